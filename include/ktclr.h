@@ -1,0 +1,10 @@
+/* ktclr: color conversion and ICC profiles. Umbrella header. */
+#ifndef KTCLR_H
+#define KTCLR_H
+
+#include "ktclr/export.h"
+#include "ktclr/status.h"
+#include "ktclr/colorspace.h"
+#include "ktclr/convert.h"
+
+#endif

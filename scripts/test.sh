@@ -1,0 +1,14 @@
+#!/bin/sh
+# Installs what the tests need, then builds and runs the whole suite twice:
+# once plainly and once under AddressSanitizer and UndefinedBehaviorSanitizer.
+set -eu
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh --tests
+jobs=$(nproc)
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Release
+cmake --build build -j"$jobs"
+ctest --test-dir build -j"$jobs" --output-on-failure
+cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKTCLR_SANITIZE=ON -DKTCLR_BUILD_EXAMPLES=OFF
+cmake --build build-asan -j"$jobs"
+ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  ctest --test-dir build-asan -j"$jobs" --output-on-failure

@@ -1,0 +1,28 @@
+// Helpers shared by the handle functions.
+#pragma once
+
+#include <cstddef>
+
+#include "ktclr/convert.h"
+
+namespace kt::convert {
+
+// Sizes a record takes on this build (the probes use the real sizes).
+inline constexpr std::size_t kParamsShortBytes = offsetof(ConversionParams, iccFlags);
+inline constexpr std::size_t kParamsLongBytes = sizeof(ConversionParams);
+
+inline bool IsRgbSide(int space) { return space == CS_RGB || space == CS_BGR; }
+inline bool Either(int src, int dst, int space) { return src == space || dst == space; }
+
+// Every CS_ identifier; the gaps are invalid.
+inline bool IsKnownSpace(int space) { return (space >= 0 && space <= 15) || space == CS_HSI || space == CS_RGB444; }
+
+// Copies a caller path (264 units) into a handle field (260 units): at most
+// 259 characters and a terminator.
+void CopyPath(KtChar16* dst, const KtChar16* src) noexcept;
+
+// Frees everything a live handle owns, in the order of Vx_ClrFree, and the
+// handle block itself. The handle must already be off the list.
+void DestroyHandle(ClrHandle* h) noexcept;
+
+}  // namespace kt::convert

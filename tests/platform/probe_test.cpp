@@ -1,0 +1,111 @@
+#include "platform/probe.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <atomic>
+#include <csignal>
+#include <thread>
+#include <vector>
+
+#include "support/mapped_memory.h"
+
+namespace kt {
+namespace {
+
+using platform::IsBadPtrByMaps;
+using platform::IsBadReadPtr;
+using platform::IsBadWritePtr;
+using test::MappedPages;
+using Access = MappedPages::Access;
+
+// Both implementations must agree on every case.
+struct Probes {
+    bool read(const void* p, std::size_t n) const {
+        bool a = IsBadReadPtr(p, n), b = IsBadPtrByMaps(p, n, false);
+        EXPECT_EQ(a, b) << "kernel and maps probes disagree on read";
+        return a;
+    }
+    bool write(void* p, std::size_t n) const {
+        bool a = IsBadWritePtr(p, n), b = IsBadPtrByMaps(p, n, true);
+        EXPECT_EQ(a, b) << "kernel and maps probes disagree on write";
+        return a;
+    }
+};
+
+TEST(Probe, SizesAndNull) {
+    Probes probe;
+    int x = 0;
+    EXPECT_FALSE(probe.read(nullptr, 0));
+    EXPECT_TRUE(probe.read(nullptr, 1));
+    EXPECT_TRUE(probe.write(nullptr, 1));
+    EXPECT_FALSE(probe.read(&x, sizeof x));
+    EXPECT_FALSE(probe.write(&x, sizeof x));
+    // A range that wraps the address space.
+    EXPECT_TRUE(IsBadReadPtr(reinterpret_cast<void*>(~std::uintptr_t{0} - 3), 16));
+}
+
+TEST(Probe, ProtectionsAndEdges) {
+    Probes probe;
+    MappedPages m(4, Access::readWrite);
+    const std::size_t pg = m.page();
+    m.Protect(1, Access::read);
+    m.Protect(2, Access::none);
+    m.Protect(3, Access::unmapped);
+    unsigned char* p = m.data();
+
+    EXPECT_FALSE(probe.read(p, pg));
+    EXPECT_FALSE(probe.write(p, pg));
+    EXPECT_FALSE(probe.read(p, 2 * pg));     // writable then read-only
+    EXPECT_TRUE(probe.write(p, pg + 1));     // one byte into the read-only page
+    EXPECT_FALSE(probe.write(p + pg - 1, 1)); // last writable byte
+    EXPECT_TRUE(probe.read(p + pg, pg + 1)); // into the inaccessible page
+    EXPECT_TRUE(probe.read(p + 2 * pg, 1));
+    EXPECT_TRUE(probe.read(p + 3 * pg, 1));  // unmapped
+    EXPECT_TRUE(probe.read(p, 4 * pg));
+    EXPECT_TRUE(probe.read(m.end(), 1));     // guard page after the run
+    EXPECT_TRUE(probe.read(p - 1, 2));       // guard page before the run
+}
+
+TEST(Probe, WriteProbeKeepsContents) {
+    MappedPages m(3, Access::readWrite);
+    for (std::size_t i = 0; i < m.size(); ++i) m.data()[i] = static_cast<unsigned char>(i * 7);
+    EXPECT_FALSE(IsBadWritePtr(m.data() + 5, m.size() - 5));
+    for (std::size_t i = 0; i < m.size(); ++i) ASSERT_EQ(m.data()[i], static_cast<unsigned char>(i * 7));
+}
+
+TEST(Probe, LargeBufferAndNoHandlersLeft) {
+    struct sigaction before {};
+    sigaction(SIGSEGV, nullptr, &before);
+    MappedPages m(4096 + 17, Access::readWrite);  // more than one batch of pages
+    EXPECT_FALSE(IsBadReadPtr(m.data(), m.size()));
+    EXPECT_FALSE(IsBadWritePtr(m.data(), m.size()));
+    m.Protect(4096 + 3, Access::read);
+    EXPECT_FALSE(IsBadReadPtr(m.data(), m.size()));
+    EXPECT_TRUE(IsBadWritePtr(m.data(), m.size()));
+    struct sigaction after {};
+    sigaction(SIGSEGV, nullptr, &after);
+    EXPECT_EQ(before.sa_handler, after.sa_handler);
+}
+
+TEST(Probe, ConcurrentProbes) {
+    MappedPages m(64, Access::readWrite);
+    m.Protect(40, Access::none);
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 2000; ++i) {
+                const std::size_t pages = static_cast<std::size_t>((i + t) % 64 + 1);
+                const bool expectBad = pages > 40;
+                if (IsBadReadPtr(m.data(), pages * m.page()) != expectBad) ++wrong;
+                if (IsBadWritePtr(m.data(), pages * m.page()) != expectBad) ++wrong;
+            }
+        });
+    }
+    for (auto& th : threads) th.join();
+    EXPECT_EQ(wrong.load(), 0);
+}
+
+}  // namespace
+}  // namespace kt
