@@ -21,4 +21,15 @@ void FreeCustomEmulationTable(ClrHandle* h) noexcept {
     h->customEmulationTable = nullptr;
 }
 
+// Without grids nothing is converted.
+KtStatus EmulateCmykToRgb(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, int, int, int, int, int) noexcept {
+    return STATUS_OK;
+}
+KtStatus EmulateRgbToLab(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, int, int, int, int, int) noexcept {
+    return STATUS_OK;
+}
+KtStatus EmulateLabToRgb(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, int, int, int, int, int) noexcept {
+    return STATUS_OK;
+}
+
 }  // namespace kt::color

@@ -2,6 +2,8 @@
 // grid from a TIFF file into the handle.
 #pragma once
 
+#include <cstdint>
+
 #include "ktclr/convert.h"
 
 namespace kt::color {
@@ -16,5 +18,14 @@ bool EmulationAvailable() noexcept;
 KtStatus SelectEmulationTable(ClrHandle* h, int src, int dst, const ConversionParams* p, bool custom) noexcept;
 
 void FreeCustomEmulationTable(ClrHandle* h) noexcept;
+
+// Grid lookups over a buffer, with the kernel contract's padding and
+// RGB-order flag. The conversion frame ignores their statuses.
+KtStatus EmulateCmykToRgb(const std::uint8_t* grid, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
+                          int srcPad, int dstPad, int rgbOrder) noexcept;
+KtStatus EmulateRgbToLab(const std::uint8_t* grid, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
+                         int srcPad, int dstPad, int rgbOrder) noexcept;
+KtStatus EmulateLabToRgb(const std::uint8_t* grid, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
+                         int srcPad, int dstPad, int rgbOrder) noexcept;
 
 }  // namespace kt::color
