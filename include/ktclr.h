@@ -6,5 +6,6 @@
 #include "ktclr/status.h"
 #include "ktclr/colorspace.h"
 #include "ktclr/convert.h"
+#include "ktclr/embedded.h"
 
 #endif

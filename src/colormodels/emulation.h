@@ -8,8 +8,7 @@
 
 namespace kt::color {
 
-// Whether the grid machinery is part of this build yet. Until it is, the
-// selectors answer ERR_BAD_METHOD.
+// Whether the grid machinery is part of this build.
 bool EmulationAvailable() noexcept;
 
 // custom false: sets h->builtinEmulationTable for the pair (or nothing).
@@ -20,7 +19,8 @@ KtStatus SelectEmulationTable(ClrHandle* h, int src, int dst, const ConversionPa
 void FreeCustomEmulationTable(ClrHandle* h) noexcept;
 
 // Grid lookups over a buffer, with the kernel contract's padding and
-// RGB-order flag. The conversion frame ignores their statuses.
+// RGB-order flag. A null grid is ERR_INVALID_PARAMETER and writes nothing.
+// The conversion frame ignores their statuses.
 KtStatus EmulateCmykToRgb(const std::uint8_t* grid, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
                           int srcPad, int dstPad, int rgbOrder) noexcept;
 KtStatus EmulateRgbToLab(const std::uint8_t* grid, const std::uint8_t* src, std::uint8_t* dst, int width, int height,

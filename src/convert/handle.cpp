@@ -218,7 +218,7 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
         h->dstFormat = static_cast<std::uint32_t>(dst);
     }
     if (prepare & METHOD_CUSTOM_ICC) {
-        status = SetupCustomIcc(h, p);
+        status = SetupCustomIcc(h, src, dst, p);
         if (status != STATUS_OK) return CleanUp(h), status;
         h->PathKind = KTCLR_PATH_ONE_STEP;
     }

@@ -12,21 +12,21 @@ namespace kt::convert {
 // Adds to the caller's ICC flags to select the caller's profiles.
 inline constexpr std::uint32_t kIccFlagCustom = 65536;
 
-// Whether the transform machinery is part of this build yet. Until it is,
-// every builder answers ERR_BAD_METHOD.
+// Whether the transform machinery is part of this build.
 bool IccAvailable() noexcept;
 
 // Builds h->iccTransform between the built-in profiles of the two formats.
 KtStatus BuildBuiltinIccTransform(ClrHandle* h, std::uint32_t iccFlags) noexcept;
 
-// The custom setup: copies the caller's profiles into the handle and builds
-// h->customIccTransform.
-KtStatus SetupCustomIcc(ClrHandle* h, const ConversionParams* p) noexcept;
+// The custom setup for the pair src -> dst: copies the caller's profiles
+// into the handle and builds h->customIccTransform.
+KtStatus SetupCustomIcc(ClrHandle* h, int src, int dst, const ConversionParams* p) noexcept;
 
 // Rebuilds h->customIccTransform from what the handle holds; flags already
 // include kIccFlagCustom.
 KtStatus RebuildCustomIccTransform(ClrHandle* h, std::uint32_t iccFlags) noexcept;
 
+// Accepts null.
 void DeleteIccTransform(void* transform) noexcept;
 
 }  // namespace kt::convert

@@ -1,0 +1,18 @@
+#include "colormodels/caller_path.h"
+
+#include <sys/stat.h>
+
+#include "platform/utf16.h"
+
+namespace kt::color {
+
+PathState LookUpPath(const char16_t* path, std::size_t units, std::size_t* length) noexcept {
+    *length = path ? text::Utf16Length(path, units) : 0;
+    if (*length == 0) return PathState::missing;
+    text::Utf8 name;
+    if (!name.Assign(path, *length, mem::Module::ktclr)) return PathState::noMemory;
+    struct stat st;
+    return stat(name.c_str(), &st) == 0 ? PathState::exists : PathState::missing;
+}
+
+}  // namespace kt::color
