@@ -7,5 +7,6 @@
 #include "ktclr/colorspace.h"
 #include "ktclr/convert.h"
 #include "ktclr/embedded.h"
+#include "ktclr/icc.h"
 
 #endif
