@@ -31,7 +31,7 @@ std::vector<uint8_t> SampleImage() {
     Vx_SetICCTagData(p.get(), &t, Sig("wtpt"), Sig("XYZ "));
     uint8_t text[6] = {'h', 'e', 'l', 'l', 'o', 0};
     ICCRawTagType raw = RawOf(text, 6, 0);
-    Vx_SetICCTagData(p.get(), &raw, Sig("cprt"), Sig("text"));
+    Vx_SetICCTagData(p.get(), &raw, Sig("cprt"), Sig("desc"));  // a type without a codec
     Vx_GenerateICCPointer(p.get());
     return p.Image();
 }
@@ -226,7 +226,7 @@ TEST(Serialize, DamagedDirectoriesStayInsideTheBuffers) {
             (void)Vx_GenerateICCPointer(p.get());
             ICCRawTagType any{};
             const KtStatus deleted = Vx_DeleteICCTag(p.get(), tags[1], &any);
-            if (Filled(deleted)) Vx_FreeICCTagType(&any, Sig("text"));
+            if (Filled(deleted)) Vx_FreeICCTagType(&any, Sig("desc"));
             (void)Vx_DeleteICCTag(p.get(), tags[0], nullptr);
         }
     }
