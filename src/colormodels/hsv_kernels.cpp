@@ -17,15 +17,15 @@ void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
         const int delta = mx - rows::Min3(r, g, b);
         int h = 0, sat = 0;
         if (mx != 0) {
-            sat = rows::MulDiv(delta, 255, mx);
+            sat = rows::MulDivSmall(delta, 255, mx);
             if (sat != 0) {
                 int hue;
                 if (mx == r) {
-                    hue = rows::MulDiv(g - b, kSextant, delta);
+                    hue = rows::MulDivSmall(g - b, kSextant, delta);
                 } else if (mx == g) {
-                    hue = 2 * kSextant + rows::MulDiv(b - r, kSextant, delta);
+                    hue = 2 * kSextant + rows::MulDivSmall(b - r, kSextant, delta);
                 } else {
-                    hue = 4 * kSextant + rows::MulDiv(r - g, kSextant, delta);
+                    hue = 4 * kSextant + rows::MulDivSmall(r - g, kSextant, delta);
                 }
                 if (hue < 0) hue += kDegrees;
                 h = hue * 255 / kDegrees;

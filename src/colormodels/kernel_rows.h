@@ -106,6 +106,14 @@ constexpr std::int32_t MulDiv(std::int32_t a, std::int32_t b, std::int32_t c) {
     return static_cast<std::int32_t>((p < 0) != (c < 0) ? -q : q);
 }
 
+// MulDiv for operands whose product and divisor stay far below 2^31 (the
+// 8-bit channel formulas): the same rounding in 32-bit division.
+constexpr int MulDivSmall(int a, int b, int c) {
+    const int p = a * b;
+    const int q = ((p < 0 ? -p : p) + c / 2) / c;  // c > 0
+    return p < 0 ? -q : q;
+}
+
 constexpr int Min3(int a, int b, int c) { return a < b ? (a < c ? a : c) : (b < c ? b : c); }
 constexpr int Max3(int a, int b, int c) { return a > b ? (a > c ? a : c) : (b > c ? b : c); }
 
