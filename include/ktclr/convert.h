@@ -158,6 +158,17 @@ KTCLR_API KtStatus Vx_ClrIsValid(ClrHandle* handle);
  * (KTCLR_CHANGE_*). Changes made before a failing step stay in force. */
 KTCLR_API KtStatus Vx_ClrSetConversionParams(ClrHandle* handle, ConversionParams* params);
 
+/* Converts width x height pixels from the handle's source space to its
+ * destination space. srcAlign/dstAlign: row alignment in bytes (0: packed
+ * rows; both strides are rounded only when both are non-zero). */
+KTCLR_API KtStatus Vx_ClrConvert(ClrHandle* handle, uint8_t* src, uint8_t* dst, int width, int height,
+                                 int srcAlign, int dstAlign);
+
+/* Converts between two spaces with the built-in formulas, without a handle;
+ * srcPad/dstPad: bytes after each row. */
+KTCLR_API KtStatus Vx_ClrConvertDirect(int srcSpace, int dstSpace, uint8_t* src, uint8_t* dst, int width,
+                                       int height, int srcPad, int dstPad);
+
 KTCLR_EXTERN_C_END
 
 #endif

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "colormodels/lab_engine.h"
 #include "ktclr/convert.h"
 
 struct LabTable {
@@ -24,9 +25,12 @@ static_assert(sizeof(LabTable) == 1208, "LabTable keeps its 1208-byte size");
 struct RgbToLabTable {
     double whitePoint[3];
     std::int32_t ranges[6];
-    double matrix[9];      // linear RGB to XYZ, rows X, Y, Z
-    double linear[256];    // (i / 255) raised to 100 / gammaPercent
-    std::uint8_t body[15392];
+    double matrix[9];  // linear RGB to XYZ, rows X, Y, Z
+    // Linearisation ((i / 255) raised to 100 / gammaPercent), the matrix and
+    // the white point in the form the row conversion reads.
+    kt::color::ForwardLab engine;
+    std::int32_t gammaPercent;
+    std::uint8_t reserved[17560 - 120 - sizeof(kt::color::ForwardLab) - 4];
 };
 static_assert(sizeof(RgbToLabTable) == 17560, "RgbToLabTable keeps its 17560-byte size");
 
@@ -62,5 +66,15 @@ void SetRgbToLabTableHeader(RgbToLabTable* t, const double white[3], const std::
 // Fill the derived contents from the header and gammaPercent.
 void FillLabTable(LabTable* t, int gammaPercent) noexcept;
 void FillRgbToLabTable(RgbToLabTable* t, int gammaPercent) noexcept;
+
+// Row conversions through a handle's tables, with the kernel contract (probes,
+// paddings, RGB-order flag). They agree with the Lab formulas for the
+// table's white point and matrix: RGB to Lab exactly as the formula kernel
+// computes it; Lab to RGB with X = t(fx) x white / 100 (likewise Y and Z),
+// RGB = matrix . XYZ, each encoded with the power gammaPercent / 100.
+KtStatus RgbToLabThroughTable(const RgbToLabTable* t, const std::uint8_t* src, std::uint8_t* dst, int width,
+                              int height, int srcPad, int dstPad, int rgbOrder) noexcept;
+KtStatus LabToRgbThroughTable(const LabTable* t, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
+                              int srcPad, int dstPad, int rgbOrder) noexcept;
 
 }  // namespace kt::color

@@ -9,7 +9,7 @@ stray=$(printf '%s\n' "$symbols" | grep -v -E '^(Vx_[A-Za-z0-9_]+|SetResModule)$
 if [ -n "$stray" ]; then
   echo "unexpected exported symbols:"; printf '%s\n' "$stray"; exit 1
 fi
-for need in Vx_ClrInit Vx_ClrFree Vx_ClrIsValid Vx_ClrSetConversionParams Vx_ClrGetEmbeddedProfile; do
+for need in Vx_ClrInit Vx_ClrFree Vx_ClrIsValid Vx_ClrSetConversionParams Vx_ClrGetEmbeddedProfile Vx_ClrConvert Vx_ClrConvertDirect; do
   printf '%s\n' "$symbols" | grep -qx "$need" || { echo "missing export: $need"; exit 1; }
 done
 soname=$(objdump -p "$lib" | awk '/SONAME/ {print $2}')

@@ -1,0 +1,185 @@
+#include "colormodels/lab_engine.h"
+
+#include <bit>
+#include <cmath>
+
+namespace kt::color {
+namespace {
+
+constexpr double kLinearLimit = 0.008856;  // f(t) = t^(1/3) above it
+constexpr double kSlope = 7.7867;
+constexpr double kOffset = 0.13793103448275862;  // 16 / 116
+constexpr double kThird = 1.0 / 3.0;
+
+// A result this close to a truncation step is recomputed exactly. The fast
+// cube root is within 4e-12 of the exact one, so the outputs (at most 500
+// times a difference of two roots) are within 5e-9.
+constexpr double kTruncMargin = 1e-6;
+constexpr double kLimitMargin = 1e-9;
+
+double FExact(double t) { return t > kLinearLimit ? std::pow(t, kThird) : kSlope * t + kOffset; }
+
+// Stores L, a, b from the three f values (the Lab byte encoding).
+void StoreLab(double fx, double fy, double fz, std::uint8_t out[3]) {
+    const int L = static_cast<int>(116.0 * fy - 16.0);
+    const int a = static_cast<int>(500.0 * (fx - fy));
+    const int b = static_cast<int>(200.0 * (fy - fz));
+    out[0] = static_cast<std::uint8_t>(((L & 255) * 255) / 100);
+    out[1] = static_cast<std::uint8_t>(a);
+    out[2] = static_cast<std::uint8_t>(b);
+}
+
+// Seeds of the inverse cube root: one per 1/256 of each binade from 2^-7
+// to 2, taken at the segment's middle (relative error at most 6.6e-4).
+struct CbrtSeeds {
+    static constexpr int kFirstBinade = -7;
+    static constexpr int kBits = 8;
+    static constexpr int kCount = (1 - kFirstBinade) << kBits;
+    static constexpr std::uint64_t kBase = static_cast<std::uint64_t>(1023 + kFirstBinade) << kBits;
+    double inv[kCount];
+    CbrtSeeds() noexcept {
+        for (int i = 0; i < kCount; ++i) {
+            const std::uint64_t lo = (kBase + i) << (52 - kBits);
+            const std::uint64_t mid = lo + (std::uint64_t{1} << (51 - kBits));
+            inv[i] = 1.0 / std::cbrt(std::bit_cast<double>(mid));
+        }
+    }
+};
+
+const CbrtSeeds& Seeds() noexcept {
+    static const CbrtSeeds seeds;
+    return seeds;
+}
+
+// t^(1/3) for 2^-7 <= t < 2 within 4e-12 relative: two Newton steps on the
+// inverse cube root, which need no division.
+inline double FastCbrt(const CbrtSeeds& s, double t) {
+    const std::uint64_t idx = (std::bit_cast<std::uint64_t>(t) >> (52 - CbrtSeeds::kBits)) - CbrtSeeds::kBase;
+    double r = s.inv[idx];
+    double e = 1.0 - t * (r * r * r);
+    r += r * e * kThird;
+    e = 1.0 - t * (r * r * r);
+    r += r * e * kThird;
+    return t * (r * r);
+}
+
+// Truncation steps sit at the non-zero integers.
+inline bool NearStep(double v) {
+    const int t = static_cast<int>(v);
+    const double frac = std::fabs(v - t);
+    return (t != 0 && frac < kTruncMargin) || frac > 1.0 - kTruncMargin;
+}
+
+// Fast f; false when t is too close to the branch point or out of the
+// seeded range, so that the caller falls back.
+inline bool FastF(const CbrtSeeds& s, double t, double* f) {
+    if (std::fabs(t - kLinearLimit) < kLimitMargin || t >= 2.0) return false;
+    *f = t > kLinearLimit ? FastCbrt(s, t) : kSlope * t + kOffset;
+    return true;
+}
+
+int CodeOf(double v, double exponent) {
+    if (v < 0.0) v = 0.0;
+    if (v > 1.0) v = 1.0;
+    int c = static_cast<int>(std::pow(v, exponent) * 255.0 + 0.5);
+    return c < 0 ? 0 : (c > 255 ? 255 : c);
+}
+
+}  // namespace
+
+void BuildForwardLab(ForwardLab* f, double gammaExponent, const double white[3], const double matrix[9]) noexcept {
+    for (int i = 0; i < 256; ++i) f->linear[i] = std::pow(i / 255.0, gammaExponent);
+    for (int i = 0; i < 9; ++i) f->matrix[i] = matrix[i];
+    for (int i = 0; i < 3; ++i) {
+        f->white[i] = white[i];
+        f->scale[i] = 100.0 / white[i];
+    }
+    (void)Seeds();
+}
+
+void ForwardLabPixel(const ForwardLab& f, int r, int g, int b, std::uint8_t out[3]) noexcept {
+    const double lr = f.linear[r], lg = f.linear[g], lb = f.linear[b];
+    const double* m = f.matrix;
+    const double X = (m[0] * lr + m[1] * lg) + m[2] * lb;
+    const double Y = (m[3] * lr + m[4] * lg) + m[5] * lb;
+    const double Z = (m[6] * lr + m[7] * lg) + m[8] * lb;
+    StoreLab(FExact(X * 100.0 / f.white[0]), FExact(Y * 100.0 / f.white[1]), FExact(Z * 100.0 / f.white[2]), out);
+}
+
+void ForwardLabRow(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width, int rIndex) noexcept {
+    const CbrtSeeds& s = Seeds();
+    const double* m = f.matrix;
+    const int bIndex = 2 - rIndex;
+    for (int x = 0; x < width; ++x, src += 3, dst += 3) {
+        const int R = src[rIndex], G = src[1], B = src[bIndex];
+        const double lr = f.linear[R], lg = f.linear[G], lb = f.linear[B];
+        const double X = (m[0] * lr + m[1] * lg) + m[2] * lb;
+        const double Y = (m[3] * lr + m[4] * lg) + m[5] * lb;
+        const double Z = (m[6] * lr + m[7] * lg) + m[8] * lb;
+        double fx, fy, fz;
+        if (FastF(s, X * f.scale[0], &fx) && FastF(s, Y * f.scale[1], &fy) && FastF(s, Z * f.scale[2], &fz)) {
+            const double Lv = 116.0 * fy - 16.0, av = 500.0 * (fx - fy), bv = 200.0 * (fy - fz);
+            if (!NearStep(Lv) && !NearStep(av) && !NearStep(bv)) {
+                StoreLab(fx, fy, fz, dst);
+                continue;
+            }
+        }
+        ForwardLabPixel(f, R, G, B, dst);
+    }
+}
+
+int EncodeGammaExact(double v, double exponent) noexcept { return CodeOf(v, exponent); }
+
+void BuildGammaEncoder(GammaEncoder* e, double exponent) noexcept {
+    e->exponent = exponent;
+    const std::uint64_t one = std::bit_cast<std::uint64_t>(1.0);
+    e->threshold[0] = -INFINITY;
+    for (int c = 1; c <= 255; ++c) {
+        // Smallest non-negative double whose code reaches c (codes rise with v).
+        std::uint64_t lo = 0, hi = one;
+        while (lo < hi) {
+            const std::uint64_t mid = lo + (hi - lo) / 2;
+            if (CodeOf(std::bit_cast<double>(mid), exponent) >= c)
+                hi = mid;
+            else
+                lo = mid + 1;
+        }
+        e->threshold[c] = std::bit_cast<double>(lo);
+    }
+    e->threshold[256] = INFINITY;
+    constexpr std::uint64_t base = static_cast<std::uint64_t>(1023 + GammaEncoder::kFirstBinade)
+                                   << GammaEncoder::kSegmentBits;
+    for (int i = 0; i < GammaEncoder::kSegments; ++i) {
+        const double lo = std::bit_cast<double>((base + i) << (52 - GammaEncoder::kSegmentBits));
+        int c = 0;
+        while (c < 255 && e->threshold[c + 1] <= lo) ++c;
+        e->start[i] = static_cast<std::uint8_t>(c);
+    }
+}
+
+int GammaEncoder::Encode(double v) const noexcept {
+    constexpr double kSmall = 0x1p-21;
+    constexpr std::uint64_t base = static_cast<std::uint64_t>(1023 + kFirstBinade) << kSegmentBits;
+    if (!(v > kSmall)) return 0;  // threshold[1] lies above 2^-21
+    if (v >= 1.0) return 255;
+    int c = start[(std::bit_cast<std::uint64_t>(v) >> (52 - kSegmentBits)) - base];
+    while (v >= threshold[c + 1]) ++c;
+    return c;
+}
+
+const InverseInputs& InverseLabInputs() noexcept {
+    static const InverseInputs inputs = [] {
+        InverseInputs in{};
+        for (int i = 0; i < 256; ++i) {
+            const double L = i / 2.55;
+            const int s = static_cast<std::int8_t>(static_cast<std::uint8_t>(i));
+            in.fy[i] = (L + 16.0) / 116.0;
+            in.aTerm[i] = s / 500.0;
+            in.bTerm[i] = s / 200.0;
+        }
+        return in;
+    }();
+    return inputs;
+}
+
+}  // namespace kt::color

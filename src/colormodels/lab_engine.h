@@ -1,0 +1,99 @@
+// The Lab arithmetic shared by the formula kernels and the handle's Lab
+// tables. Both directions are parameterised by a white point and a matrix,
+// so one exact pixel routine and one fast row routine serve both.
+//
+// Exactness: every fast path computes the same double terms as the written
+// formula (per-byte tables of exact products, sums in the written order) and
+// replaces only the costly functions: cube roots by a seeded Newton
+// iteration with a known error far below kTruncMargin, and the 0.45 power
+// by a search over the exact decision thresholds of the final code value.
+// A pixel whose result lies within the margin of a truncation step is
+// recomputed by the literal formula.
+#pragma once
+
+#include <cstdint>
+
+namespace kt::color {
+
+// RGB to Lab: r = linear[R], X = (m0 r + m1 g) + m2 b, x = X * 100 / white.
+struct ForwardLab {
+    double linear[256];
+    double matrix[9];
+    double white[3];
+    double scale[3];  // 100 / white, for the fast path only
+};
+
+// Lab to RGB: X = t(fx) * factor[0], RGB = matrix . XYZ, encoded with the
+// power `encodeExponent`.
+struct InverseLab {
+    double matrix[9];
+    double factor[3];
+};
+
+// Decision thresholds of trunc(clamp(v, 0, 1)^0.45 x 255 + 0.5): the code of
+// v is the number of thresholds at or below it. Exact, found by bisection.
+struct GammaEncoder {
+    static constexpr int kFirstBinade = -21;  // below 2^-21 every value codes 0
+    static constexpr int kSegmentBits = 7;
+    static constexpr int kSegments = (-kFirstBinade) << kSegmentBits;
+    double threshold[257];  // [c]: smallest v coding to c or more; [256] = inf
+    std::uint8_t start[kSegments];
+    double exponent;
+
+    int Encode(double v) const noexcept;
+};
+
+void BuildForwardLab(ForwardLab* f, double gammaExponent, const double white[3], const double matrix[9]) noexcept;
+void BuildGammaEncoder(GammaEncoder* e, double exponent) noexcept;
+
+// The literal formulas for one pixel (the fallback of the fast paths).
+void ForwardLabPixel(const ForwardLab& f, int r, int g, int b, std::uint8_t out[3]) noexcept;
+int EncodeGammaExact(double v, double exponent) noexcept;
+
+// Rows: `rIndex` is the byte of red in an RGB pixel (0 or 2).
+void ForwardLabRow(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width, int rIndex) noexcept;
+
+// Lab to RGB rows, with an encoder choosing the code of each linear value.
+template <class Encoder>
+void InverseLabRow(const InverseLab& inv, const Encoder& enc, const std::uint8_t* src, std::uint8_t* dst, int width,
+                   int rIndex) noexcept;
+
+// The per-byte inputs of the inverse formula, the same for every table.
+struct InverseInputs {
+    double fy[256];    // ((L / 2.55) + 16) / 116
+    double aTerm[256]; // a / 500, a the byte read as signed
+    double bTerm[256]; // b / 200
+};
+const InverseInputs& InverseLabInputs() noexcept;
+
+// t(f) of the inverse formula, limited to 0..1.
+inline double InverseCompand(double f) noexcept {
+    double t = f > 0.20689 ? f * f * f : (f - 0.13793103448275862) / 7.7867;
+    if (t < 0.0) t = 0.0;
+    if (t > 1.0) t = 1.0;
+    return t;
+}
+
+template <class Encoder>
+void InverseLabRow(const InverseLab& inv, const Encoder& enc, const std::uint8_t* src, std::uint8_t* dst, int width,
+                   int rIndex) noexcept {
+    const InverseInputs& in = InverseLabInputs();
+    const double* m = inv.matrix;
+    const int bIndex = 2 - rIndex;
+    for (int x = 0; x < width; ++x, src += 3, dst += 3) {
+        const double fy = in.fy[src[0]];
+        const double fx = in.aTerm[src[1]] + fy;
+        const double fz = fy - in.bTerm[src[2]];
+        const double X = InverseCompand(fx) * inv.factor[0];
+        const double Y = InverseCompand(fy) * inv.factor[1];
+        const double Z = InverseCompand(fz) * inv.factor[2];
+        const int r = enc.Encode((m[0] * X + m[1] * Y) + m[2] * Z);
+        const int g = enc.Encode((m[3] * X + m[4] * Y) + m[5] * Z);
+        const int b = enc.Encode((m[6] * X + m[7] * Y) + m[8] * Z);
+        dst[rIndex] = static_cast<std::uint8_t>(r);
+        dst[1] = static_cast<std::uint8_t>(g);
+        dst[bIndex] = static_cast<std::uint8_t>(b);
+    }
+}
+
+}  // namespace kt::color
