@@ -88,7 +88,7 @@ KtStatus RebuildProfileImage(ICCProfileRecord* record) noexcept {
     const std::uint32_t size = record->header->size;
     // A size field that no longer counts the parts (a header re-initialized
     // under existing tags) must not make the copy run past the image.
-    if (size < ImageBytesNeeded(record)) return ERR_ICC_SIZE_MISMATCH;
+    if (size < ImageBytesNeeded(record) || (record->tagCount > 0 && !record->tagList)) return ERR_ICC_SIZE_MISMATCH;
     auto* image = static_cast<std::uint8_t*>(KT_ALLOC_LARGE(size));
     if (!image) return ERR_NO_MEMORY;
     std::memset(image, 0, size);

@@ -31,7 +31,8 @@ void WriteDirectoryAndTags(const ICCProfileRecord* record, std::uint8_t* image) 
 // Replaces profileData with a fresh image sized by the header's size field.
 // ERR_INVALID_PARAMETER without a record or header, ERR_NO_MEMORY when the
 // image cannot be allocated (the old image stays), ERR_ICC_SIZE_MISMATCH
-// when the size field is too small for the parts (nothing changes).
+// when the size field is too small for the parts or rows are missing
+// (nothing changes).
 KtStatus RebuildProfileImage(ICCProfileRecord* record) noexcept;
 
 }  // namespace kt::icc
