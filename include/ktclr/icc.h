@@ -145,4 +145,6 @@ KTCLR_API KtStatus Vx_FillICCProfileFromICCFile(const KtChar16* fileName, ICCPro
 
 KTCLR_EXTERN_C_END
 
+#include "icc_tag_records.h" /* needs the types above */
+
 #endif

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "colormodels/kernels.h"
@@ -89,6 +90,74 @@ KtStatus Walk(Shape shape, const std::uint8_t* src, std::uint8_t* dst, int width
         return STATUS_OK;
     };
     return rgbOrder != 0 ? walk(RgbOrder{}) : walk(BgrOrder{});
+}
+
+// Row functions are written once as plain loops and inlined into two
+// callers: the baseline (SSE2) one and one compiled for AVX2, chosen once per
+// process. The plain variant stays the reference drop-in.
+#define KT_ROW_INLINE [[gnu::always_inline]] inline
+#define KT_LAMBDA_INLINE __attribute__((always_inline))
+
+inline bool HasAvx2() noexcept {
+    static const bool has = __builtin_cpu_supports("avx2");
+    return has;
+}
+
+template <class Row, class O>
+[[gnu::target("avx2")]] auto RowAvx2(const Row& row, O order, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    return row(order, s, d, width);
+}
+
+// Walk with the row compiled for the best instruction set the processor has.
+// The row lambda must be marked KT_ROW_INLINE-style (always_inline) so that
+// its loops are compiled inside each variant.
+template <class Row>
+KtStatus WalkFast(Shape shape, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
+                  int dstPad, int rgbOrder, const Row& row) noexcept {
+    if (HasAvx2()) {
+        return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                    [&row](auto order, const std::uint8_t* s, std::uint8_t* d, int w) {
+                        return RowAvx2(row, order, s, d, w);
+                    });
+    }
+    return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder, row);
+}
+
+// Pixels go through the vectorized formulas a chunk at a time, spread into
+// one 32-bit lane array per byte position.
+constexpr int kChunk = 32;
+using Lanes = std::int32_t[kChunk];
+
+// Converts a row of In-byte pixels to Out-byte pixels: each chunk's bytes
+// are spread into lanes, f(in, out) fills the output lanes with loops of a
+// fixed trip count, and the lanes are packed back. A short last chunk goes
+// through a zeroed scratch copy. Each chunk is read whole before it is
+// written, so equal-size rows may be converted in place.
+template <int In, int Out, class F>
+KT_ROW_INLINE void Chunked(const std::uint8_t* s, std::uint8_t* d, int width, const F& f) noexcept {
+    alignas(32) std::int32_t in[In][kChunk];
+    alignas(32) std::int32_t out[Out][kChunk];
+    for (int x = 0; x < width; x += kChunk) {
+        const int n = width - x < kChunk ? width - x : kChunk;
+        const std::uint8_t* const src = s + static_cast<std::ptrdiff_t>(In) * x;
+        std::uint8_t* const dst = d + static_cast<std::ptrdiff_t>(Out) * x;
+        alignas(32) std::uint8_t scratch[(In > Out ? In : Out) * kChunk];
+        const std::uint8_t* from = src;
+        if (n < kChunk) {
+            std::memset(scratch, 0, sizeof scratch);
+            std::memcpy(scratch, src, static_cast<std::size_t>(In) * n);
+            from = scratch;
+        }
+        for (int i = 0; i < kChunk; ++i)
+#pragma GCC unroll 4
+            for (int c = 0; c < In; ++c) in[c][i] = from[In * i + c];
+        f(in, out);
+        std::uint8_t* to = n < kChunk ? scratch : dst;
+        for (int i = 0; i < kChunk; ++i)
+#pragma GCC unroll 4
+            for (int c = 0; c < Out; ++c) to[Out * i + c] = static_cast<std::uint8_t>(out[c][i]);
+        if (n < kChunk) std::memcpy(dst, scratch, static_cast<std::size_t>(Out) * n);
+    }
 }
 
 // Truncation toward zero as the processor does it: a value that does not fit

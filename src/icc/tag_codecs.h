@@ -19,5 +19,24 @@ namespace kt::icc {
 
 KT_ICC_DECLARE_TAG_CODEC(raw)  // ICCRawTagType
 KT_ICC_DECLARE_TAG_CODEC(xyz)  // 'XYZ ', ICCXYZType
+KT_ICC_DECLARE_TAG_CODEC(sf32)  // 'sf32', ICCS15Fixed16ArrayType
+KT_ICC_DECLARE_TAG_CODEC(uf32)  // 'uf32', ICCU16Fixed16ArrayType
+KT_ICC_DECLARE_TAG_CODEC(ui08)  // 'ui08', ICCUInt8ArrayType
+KT_ICC_DECLARE_TAG_CODEC(ui16)  // 'ui16', ICCUInt16ArrayType
+KT_ICC_DECLARE_TAG_CODEC(ui32)  // 'ui32', ICCUInt32ArrayType
+KT_ICC_DECLARE_TAG_CODEC(ui64)  // 'ui64', ICCUInt64ArrayType
+KT_ICC_DECLARE_TAG_CODEC(sig)   // 'sig ', ICCSignatureType
+KT_ICC_DECLARE_TAG_CODEC(text)  // 'text', ICCTextType
+KT_ICC_DECLARE_TAG_CODEC(data)  // 'data', ICCDataType
+KT_ICC_DECLARE_TAG_CODEC(dtim)  // 'dtim', ICCDateTimeType
+KT_ICC_DECLARE_TAG_CODEC(clrt)  // 'clrt', ICCColorantTableType
+KT_ICC_DECLARE_TAG_CODEC(clro)  // 'clro', ICCColorantOrderType
+KT_ICC_DECLARE_TAG_CODEC(chrm)  // 'chrm', ICCChromaticityType
+KT_ICC_DECLARE_TAG_CODEC(meas)  // 'meas', ICCMeasurementType
+KT_ICC_DECLARE_TAG_CODEC(view)  // 'view', ICCViewingConditionsType
+KT_ICC_DECLARE_TAG_CODEC(mluc)  // 'mluc', ICCMultiLocalizedUnicodeType
+KT_ICC_DECLARE_TAG_CODEC(ncl2)  // 'ncl2', ICCNamedColor2Type
+KT_ICC_DECLARE_TAG_CODEC(pseq)  // 'pseq', ICCProfileSequenceDescType
+KT_ICC_DECLARE_TAG_CODEC(rcs2)  // 'rcs2', ICCResponseCurveSet16Type
 
 }  // namespace kt::icc

@@ -13,6 +13,25 @@ namespace {
 
 constexpr TagTypeCodec kCodecs[] = {
     KT_ICC_TAG_CODEC_ROW("XYZ ", ICCXYZType, xyz),
+    KT_ICC_TAG_CODEC_ROW("sf32", ICCS15Fixed16ArrayType, sf32),
+    KT_ICC_TAG_CODEC_ROW("uf32", ICCU16Fixed16ArrayType, uf32),
+    KT_ICC_TAG_CODEC_ROW("ui08", ICCUInt8ArrayType, ui08),
+    KT_ICC_TAG_CODEC_ROW("ui16", ICCUInt16ArrayType, ui16),
+    KT_ICC_TAG_CODEC_ROW("ui32", ICCUInt32ArrayType, ui32),
+    KT_ICC_TAG_CODEC_ROW("ui64", ICCUInt64ArrayType, ui64),
+    KT_ICC_TAG_CODEC_ROW("sig ", ICCSignatureType, sig),
+    KT_ICC_TAG_CODEC_ROW("text", ICCTextType, text),
+    KT_ICC_TAG_CODEC_ROW("data", ICCDataType, data),
+    KT_ICC_TAG_CODEC_ROW("dtim", ICCDateTimeType, dtim),
+    KT_ICC_TAG_CODEC_ROW("clrt", ICCColorantTableType, clrt),
+    KT_ICC_TAG_CODEC_ROW("clro", ICCColorantOrderType, clro),
+    KT_ICC_TAG_CODEC_ROW("chrm", ICCChromaticityType, chrm),
+    KT_ICC_TAG_CODEC_ROW("meas", ICCMeasurementType, meas),
+    KT_ICC_TAG_CODEC_ROW("view", ICCViewingConditionsType, view),
+    KT_ICC_TAG_CODEC_ROW("mluc", ICCMultiLocalizedUnicodeType, mluc),
+    KT_ICC_TAG_CODEC_ROW("ncl2", ICCNamedColor2Type, ncl2),
+    KT_ICC_TAG_CODEC_ROW("pseq", ICCProfileSequenceDescType, pseq),
+    KT_ICC_TAG_CODEC_ROW("rcs2", ICCResponseCurveSet16Type, rcs2),
 };
 
 // The signature of the raw row is never looked up.

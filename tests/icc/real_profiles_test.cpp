@@ -78,6 +78,7 @@ void WalkTags(Profile& p, const std::vector<uint8_t>& file, cmsHPROFILE lcms) {
         union {
             ICCRawTagType raw;
             ICCXYZType xyz;
+            unsigned char room[kt::icc::kMaxTagRecordBytes];  // room for every codec's record
         } typed{};
         const ICCRawTagType& any = typed.raw;
         const KtStatus st = Vx_GetICCTagData(p.get(), &typed, row.signature);

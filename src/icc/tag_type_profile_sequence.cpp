@@ -1,0 +1,135 @@
+// 'pseq': a count, then per profile its manufacturer and model signatures,
+// its 64-bit attributes, its technology and two embedded 'mluc' tags (the
+// manufacturer's and the model's description). Creating copies the
+// attributes as they stand, as the toolkit always has; parsing reads them
+// big-endian.
+#include <cstring>
+#include <initializer_list>
+
+#include "icc/big_endian.h"
+#include "icc/tag_codecs.h"
+#include "icc/tag_element_bounds.h"
+#include "icc/tag_type_mluc.h"
+#include "icc/tag_types.h"
+#include "platform/alloc.h"
+
+namespace kt::icc::pseq {
+namespace {
+
+constexpr auto kModule = mem::Module::iccprofile;
+constexpr std::uint32_t kFixedBytes = 12;        // head and count
+constexpr std::uint32_t kDescriptionBytes = 20;  // signatures, attributes, technology
+constexpr std::uint32_t kSmallestMluc = 16;
+
+KtStatus CreateDescription(const ICCProfileDescription& in, ICCProfileDescription* out) {
+    out->deviceManufacturer = FileOrder32(in.deviceManufacturer);
+    out->deviceModel = FileOrder32(in.deviceModel);
+    out->deviceAttributes = in.deviceAttributes;
+    out->technology = FileOrder32(in.technology);
+    const KtStatus made = mluc::Create(&in.manufacturer, Sig("mluc"), &out->manufacturer);
+    return made == STATUS_OK ? mluc::Create(&in.model, Sig("mluc"), &out->model) : made;
+}
+
+KtStatus ParseDescription(const std::uint8_t* element, std::uint32_t size, std::uint32_t* position,
+                          ICCProfileDescription* out) {
+    const std::uint8_t* p = element + *position;
+    if (!Inside(size, *position, kDescriptionBytes)) return ERR_INVALID_TAG;
+    out->deviceManufacturer = Load32(p);
+    out->deviceModel = Load32(p + 4);
+    out->deviceAttributes = Load64(p + 8);
+    out->technology = Load32(p + 16);
+    *position += kDescriptionBytes;
+    for (ICCMultiLocalizedUnicodeType* text : {&out->manufacturer, &out->model}) {
+        if (!Inside(size, *position, kTagTypeHeadBytes) || Load32(element + *position) != Sig("mluc"))
+            return ERR_INVALID_TAG;
+        std::uint32_t used = 0;
+        const KtStatus parsed = mluc::ParseEmbedded(element + *position, size - *position, text, &used);
+        if (parsed != STATUS_OK) return parsed;
+        *position += used;
+    }
+    return STATUS_OK;
+}
+
+}  // namespace
+
+// Descriptions already made stay in the record on a failure, for Release.
+KtStatus Create(const void* host, std::uint32_t, void* fileOrder) noexcept {
+    const ICCProfileSequenceDescType in = *static_cast<const ICCProfileSequenceDescType*>(host);
+    auto* out = static_cast<ICCProfileSequenceDescType*>(fileOrder);
+    *out = ICCProfileSequenceDescType{};
+    if (!in.descriptions) return ERR_INVALID_PARAMETER;
+    out->signature = FileOrder32(Sig("pseq"));
+    out->count = FileOrder32(in.count);
+    out->descriptions =
+        static_cast<ICCProfileDescription*>(KT_ALLOC_ZERO(std::size_t{in.count} * sizeof(ICCProfileDescription)));
+    if (!out->descriptions) return ERR_NO_MEMORY;
+    for (std::uint32_t i = 0; i < in.count; ++i) {
+        const KtStatus made = CreateDescription(in.descriptions[i], &out->descriptions[i]);
+        if (made != STATUS_OK) return made;
+    }
+    return STATUS_OK;
+}
+
+std::uint64_t ElementSize(const void* fileOrder) noexcept {
+    const auto& r = *static_cast<const ICCProfileSequenceDescType*>(fileOrder);
+    std::uint64_t size = kFixedBytes;
+    for (std::uint32_t i = 0; i < FileOrder32(r.count); ++i)
+        size += kDescriptionBytes + mluc::ElementSize(&r.descriptions[i].manufacturer) +
+                mluc::ElementSize(&r.descriptions[i].model);
+    return size;
+}
+
+void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
+    const auto& r = *static_cast<const ICCProfileSequenceDescType*>(fileOrder);
+    std::memcpy(element, &r, kFixedBytes);
+    std::uint8_t* p = element + kFixedBytes;
+    for (std::uint32_t i = 0; i < FileOrder32(r.count); ++i) {
+        const ICCProfileDescription& d = r.descriptions[i];
+        std::memcpy(p, &d.deviceManufacturer, 4);
+        std::memcpy(p + 4, &d.deviceModel, 4);
+        std::memcpy(p + 8, &d.deviceAttributes, 8);
+        std::memcpy(p + 16, &d.technology, 4);
+        p += kDescriptionBytes;
+        for (const ICCMultiLocalizedUnicodeType* text : {&d.manufacturer, &d.model}) {
+            mluc::WriteElement(text, p);
+            p += mluc::ElementSize(text);
+        }
+    }
+}
+
+KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
+    auto* out = static_cast<ICCProfileSequenceDescType*>(host);
+    *out = ICCProfileSequenceDescType{};
+    if (size < kFixedBytes) return ERR_INVALID_TAG;
+    const std::uint32_t count = Load32(element + 8);
+    if (count > ItemsThatFit(size, kFixedBytes, kDescriptionBytes + 2 * kSmallestMluc)) return ERR_INVALID_TAG;
+    out->signature = Load32(element);
+    out->reserved = Load32(element + 4);
+    out->descriptions =
+        static_cast<ICCProfileDescription*>(KT_ALLOC_ZERO(std::size_t{count} * sizeof(ICCProfileDescription)));
+    if (!out->descriptions) return ERR_NO_MEMORY;
+    out->count = count;
+    std::uint32_t position = kFixedBytes;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const KtStatus parsed = ParseDescription(element, size, &position, &out->descriptions[i]);
+        if (parsed != STATUS_OK) {
+            Release(out);
+            return parsed;
+        }
+    }
+    return STATUS_OK;
+}
+
+void Release(void* record) noexcept {
+    auto* r = static_cast<ICCProfileSequenceDescType*>(record);
+    if (!r->descriptions) return;
+    const std::uint32_t count = NativeCount(r->signature, Sig("pseq"), r->count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        mluc::Release(&r->descriptions[i].manufacturer);
+        mluc::Release(&r->descriptions[i].model);
+    }
+    KT_FREE(r->descriptions);
+    r->descriptions = nullptr;
+}
+
+}  // namespace kt::icc::pseq
