@@ -146,5 +146,7 @@ KTCLR_API KtStatus Vx_FillICCProfileFromICCFile(const KtChar16* fileName, ICCPro
 KTCLR_EXTERN_C_END
 
 #include "icc_tag_records.h" /* needs the types above */
+#include "icc_curves.h"
+#include "icc_luts.h"
 
 #endif

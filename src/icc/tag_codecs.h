@@ -19,6 +19,12 @@ namespace kt::icc {
 
 KT_ICC_DECLARE_TAG_CODEC(raw)  // ICCRawTagType
 KT_ICC_DECLARE_TAG_CODEC(xyz)  // 'XYZ ', ICCXYZType
+KT_ICC_DECLARE_TAG_CODEC(curv)      // 'curv', ICCCurveType
+KT_ICC_DECLARE_TAG_CODEC(para)      // 'para', ICCParametricCurveType
+KT_ICC_DECLARE_TAG_CODEC(lut8)      // 'mft1', ICCLut8
+KT_ICC_DECLARE_TAG_CODEC(lut16)     // 'mft2', ICCLut16
+KT_ICC_DECLARE_TAG_CODEC(lut_atob)  // 'mAB ', ICCLutAtoB
+KT_ICC_DECLARE_TAG_CODEC(lut_btoa)  // 'mBA ', ICCLutBtoA
 KT_ICC_DECLARE_TAG_CODEC(sf32)  // 'sf32', ICCS15Fixed16ArrayType
 KT_ICC_DECLARE_TAG_CODEC(uf32)  // 'uf32', ICCU16Fixed16ArrayType
 KT_ICC_DECLARE_TAG_CODEC(ui08)  // 'ui08', ICCUInt8ArrayType

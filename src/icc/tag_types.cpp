@@ -13,6 +13,12 @@ namespace {
 
 constexpr TagTypeCodec kCodecs[] = {
     KT_ICC_TAG_CODEC_ROW("XYZ ", ICCXYZType, xyz),
+    KT_ICC_TAG_CODEC_ROW("curv", ICCCurveType, curv),
+    KT_ICC_TAG_CODEC_ROW("para", ICCParametricCurveType, para),
+    KT_ICC_TAG_CODEC_ROW("mft1", ICCLut8, lut8),
+    KT_ICC_TAG_CODEC_ROW("mft2", ICCLut16, lut16),
+    KT_ICC_TAG_CODEC_ROW("mAB ", ICCLutAtoB, lut_atob),
+    KT_ICC_TAG_CODEC_ROW("mBA ", ICCLutBtoA, lut_btoa),
     KT_ICC_TAG_CODEC_ROW("sf32", ICCS15Fixed16ArrayType, sf32),
     KT_ICC_TAG_CODEC_ROW("uf32", ICCU16Fixed16ArrayType, uf32),
     KT_ICC_TAG_CODEC_ROW("ui08", ICCUInt8ArrayType, ui08),
