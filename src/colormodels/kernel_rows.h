@@ -149,12 +149,12 @@ KT_ROW_INLINE void Chunked(const std::uint8_t* s, std::uint8_t* d, int width, co
             from = scratch;
         }
         for (int i = 0; i < kChunk; ++i)
-#pragma GCC unroll 4
+#pragma GCC unroll 32
             for (int c = 0; c < In; ++c) in[c][i] = from[In * i + c];
         f(in, out);
         std::uint8_t* to = n < kChunk ? scratch : dst;
         for (int i = 0; i < kChunk; ++i)
-#pragma GCC unroll 4
+#pragma GCC unroll 32
             for (int c = 0; c < Out; ++c) to[Out * i + c] = static_cast<std::uint8_t>(out[c][i]);
         if (n < kChunk) std::memcpy(dst, scratch, static_cast<std::size_t>(Out) * n);
     }

@@ -19,24 +19,31 @@ struct Layout422 {
 constexpr Layout422 kYuyv{0, 1, 2, 3};
 constexpr Layout422 kUyvy{1, 0, 3, 2};
 
+// Pairs of pixels go through the lane loops: six RGB bytes in, four packed
+// bytes out.
 template <class O>
-void RgbTo422Row(O o, Layout422 at, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    for (int x = 0; x < width; x += kPairPixels, s += 6, d += 4) {
-        const yuv::Sample a = yuv::FromRgb(o, s), b = yuv::FromRgb(o, s + 3);
-        d[at.y0] = static_cast<std::uint8_t>(a.y);
-        d[at.u] = static_cast<std::uint8_t>(((a.u & 255) + (b.u & 255)) >> 1);
-        d[at.y1] = static_cast<std::uint8_t>(b.y);
-        d[at.v] = static_cast<std::uint8_t>(((a.v & 255) + (b.v & 255)) >> 1);
-    }
+KT_ROW_INLINE void RgbTo422Row(O, Layout422 at, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<6, 4>(s, d, width / kPairPixels, [at](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+        for (int i = 0; i < rows::kChunk; ++i) {
+            const int r0 = in[O::r][i], g0 = in[O::g][i], b0 = in[O::b][i];
+            const int r1 = in[3 + O::r][i], g1 = in[3 + O::g][i], b1 = in[3 + O::b][i];
+            out[at.y0][i] = yuv::Luma(r0, g0, b0);
+            out[at.y1][i] = yuv::Luma(r1, g1, b1);
+            out[at.u][i] = ((yuv::ChromaU(r0, g0, b0) & 255) + (yuv::ChromaU(r1, g1, b1) & 255)) >> 1;
+            out[at.v][i] = ((yuv::ChromaV(r0, g0, b0) & 255) + (yuv::ChromaV(r1, g1, b1) & 255)) >> 1;
+        }
+    });
 }
 
 template <class O>
-void Yuv422ToRgbRow(O o, Layout422 at, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    for (int x = 0; x < width; x += kPairPixels, s += 4, d += 6) {
-        const int u = s[at.u], v = s[at.v];
-        yuv::ToRgb(o, s[at.y0], u, v, d);
-        yuv::ToRgb(o, s[at.y1], u, v, d + 3);
-    }
+KT_ROW_INLINE void Yuv422ToRgbRow(O, Layout422 at, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<4, 6>(s, d, width / kPairPixels, [at](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+        for (int i = 0; i < rows::kChunk; ++i) {
+            const int u = in[at.u][i], v = in[at.v][i];
+            yuv::ToRgbLanes(in[at.y0][i], u, v, out[O::r][i], out[O::g][i], out[O::b][i]);
+            yuv::ToRgbLanes(in[at.y1][i], u, v, out[3 + O::r][i], out[3 + O::g][i], out[3 + O::b][i]);
+        }
+    });
 }
 
 // 4:1:1 group: U(0-3), Y0, V(0-3), Y1, U(4-7), Y2, V(4-7), Y3, Y4..Y7.
@@ -76,26 +83,26 @@ void Yuv411ToRgbRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noex
 
 KT_KERNEL(RgbToYuyv) {
     (void)black;
-    return rows::Walk(kRgbTo422, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbTo422Row(o, kYuyv, s, d, w); });
+    return rows::WalkFast(kRgbTo422, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbTo422Row(o, kYuyv, s, d, w); });
 }
 
 KT_KERNEL(YuyvToRgb) {
     (void)black;
-    return rows::Walk(k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { Yuv422ToRgbRow(o, kYuyv, s, d, w); });
+    return rows::WalkFast(k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { Yuv422ToRgbRow(o, kYuyv, s, d, w); });
 }
 
 KT_KERNEL(RgbToUyvy) {
     (void)black;
-    return rows::Walk(kRgbTo422, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbTo422Row(o, kUyvy, s, d, w); });
+    return rows::WalkFast(kRgbTo422, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbTo422Row(o, kUyvy, s, d, w); });
 }
 
 KT_KERNEL(UyvyToRgb) {
     (void)black;
-    return rows::Walk(k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { Yuv422ToRgbRow(o, kUyvy, s, d, w); });
+    return rows::WalkFast(k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { Yuv422ToRgbRow(o, kUyvy, s, d, w); });
 }
 
 KT_KERNEL(RgbToYuv411) {

@@ -36,14 +36,19 @@ constexpr Sample FromRgb(O, const std::uint8_t* p) {
 // constants hold the offsets 16 and 128 and a rounding half.
 constexpr int kInverseScale = 1024;
 
+constexpr void ToRgbLanes(int y, int u, int v, int& r, int& g, int& b) {
+    r = rows::ClampInt((1192 * y + 1634 * v - 227712) / kInverseScale, 0, 255);
+    g = rows::ClampInt((1192 * y - 400 * u - 833 * v + 139264) / kInverseScale, 0, 255);
+    b = rows::ClampInt((1192 * y + 2066 * u - 283008) / kInverseScale, 0, 255);
+}
+
 template <class O>
 constexpr void ToRgb(O, int y, int u, int v, std::uint8_t* p) {
-    const int r = (1192 * y + 1634 * v - 227712) / kInverseScale;
-    const int g = (1192 * y - 400 * u - 833 * v + 139264) / kInverseScale;
-    const int b = (1192 * y + 2066 * u - 283008) / kInverseScale;
-    p[O::r] = static_cast<std::uint8_t>(rows::ClampInt(r, 0, 255));
-    p[O::g] = static_cast<std::uint8_t>(rows::ClampInt(g, 0, 255));
-    p[O::b] = static_cast<std::uint8_t>(rows::ClampInt(b, 0, 255));
+    int r = 0, g = 0, b = 0;
+    ToRgbLanes(y, u, v, r, g, b);
+    p[O::r] = static_cast<std::uint8_t>(r);
+    p[O::g] = static_cast<std::uint8_t>(g);
+    p[O::b] = static_cast<std::uint8_t>(b);
 }
 
 }  // namespace kt::color::yuv
