@@ -1,7 +1,6 @@
 // YUV and YIQ as full-scale bytes. The forward formulas are double sums of
 // per-channel products, scaled and clamped; the inverses start from
-// truncated per-byte values (tables) and finish in integers (YUV) or
-// doubles (YIQ).
+// truncated per-byte values and finish in integers (YUV) or doubles (YIQ).
 #include <array>
 
 #include "colormodels/kernel_rows.h"
@@ -19,61 +18,61 @@ constexpr double kYiqYSpan = 263.0;
 constexpr double kISpan = 303.0, kIOffset = 152.0;
 constexpr double kQSpan = 267.0, kQOffset = 134.0;
 
+// Every row runs its formula lane by lane over chunks of pixels; the vector
+// arithmetic rounds exactly as the scalar one does, and divisions stay
+// divisions.
 template <class O>
-void RgbToYuvRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    for (int x = 0; x < width; ++x, s += 3, d += 3) {
-        const double r = s[O::r], g = s[O::g], b = s[O::b];
+KT_ROW_INLINE void RgbToYuvRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+    for (int i = 0; i < rows::kChunk; ++i) {
+        const double r = in[O::r][i], g = in[O::g][i], b = in[O::b][i];
         const double y = 0.299 * r + 0.587 * g + 0.114 * b;
         const double u = (0.434 * b - 0.146 * r - 0.288 * g + kUOffset) / kUSpan * kFull + 0.5;
         const double v = (0.617 * r - 0.517 * g - 0.1 * b + kVOffset) / kVSpan * kFull + 0.5;
-        d[0] = static_cast<std::uint8_t>(static_cast<int>(rows::Clamp(y, 0.0, kFull)));
-        d[1] = static_cast<std::uint8_t>(static_cast<int>(rows::Clamp(u, 0.0, kFull)));
-        d[2] = static_cast<std::uint8_t>(static_cast<int>(rows::Clamp(v, 0.0, kFull)));
+        out[0][i] = static_cast<int>(rows::Clamp(y, 0.0, kFull));
+        out[1][i] = static_cast<int>(rows::Clamp(u, 0.0, kFull));
+        out[2][i] = static_cast<int>(rows::Clamp(v, 0.0, kFull));
     }
+    });
 }
-
-// u = trunc(-(U / 255) x 223) and v = trunc(-(V / 255) x 275), per byte.
-struct YuvChroma {
-    std::array<std::int32_t, 256> u{}, v{};
-    constexpr YuvChroma() {
-        for (int i = 0; i < 256; ++i) {
-            u[i] = static_cast<std::int32_t>(-(i / kFull) * kUSpan);
-            v[i] = static_cast<std::int32_t>(-(i / kFull) * kVSpan);
-        }
-    }
-};
-constexpr YuvChroma kYuvChroma{};
 
 // Fixed-point inverse, 15 fractional bits; the constants hold the offsets.
 constexpr int kYuvShift = 15;
 
 template <class O>
-void YuvToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    for (int x = 0; x < width; ++x, s += 3, d += 3) {
-        const int y = s[0], u = kYuvChroma.u[s[1]], v = kYuvChroma.v[s[2]];
+KT_ROW_INLINE void YuvToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+    for (int i = 0; i < rows::kChunk; ++i) {
+        const int y = in[0][i];
+        const int u = static_cast<int>(-(in[1][i] / kFull) * kUSpan);
+        const int v = static_cast<int>(-(in[2][i] / kFull) * kVSpan);
         const int g = y + ((18940 * v + 12943 * u + 4063336) >> kYuvShift);
         const int r = y + ((29 * u - 37221 * v - 5133250) >> kYuvShift);
         const int b = y + ((33 * v - 66883 * u - 7486342) >> kYuvShift);
-        d[O::r] = static_cast<std::uint8_t>(rows::ClampInt(r, 0, 255));
-        d[O::g] = static_cast<std::uint8_t>(rows::ClampInt(g, 0, 255));
-        d[O::b] = static_cast<std::uint8_t>(rows::ClampInt(b, 0, 255));
+        out[O::r][i] = rows::ClampInt(r, 0, 255);
+        out[O::g][i] = rows::ClampInt(g, 0, 255);
+        out[O::b][i] = rows::ClampInt(b, 0, 255);
     }
+    });
 }
 
 template <class O>
-void RgbToYiqRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    for (int x = 0; x < width; ++x, s += 3, d += 3) {
-        const double r = s[O::r], g = s[O::g], b = s[O::b];
+KT_ROW_INLINE void RgbToYiqRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+    for (int k = 0; k < rows::kChunk; ++k) {
+        const double r = in[O::r][k], g = in[O::g][k], b = in[O::b][k];
         const double y = (0.299 * r + 0.587 * g + 0.114 * b) / kYiqYSpan * kFull + 0.5;
         const double i = (0.596 * r - 0.274 * g - 0.322 * b + kIOffset) / kISpan * kFull + 0.5;
         const double q = (0.212 * r - 0.523 * g + 0.311 * b + kQOffset) / kQSpan * kFull + 0.5;
-        d[0] = static_cast<std::uint8_t>(static_cast<int>(rows::Clamp(y, 0.0, kFull)));
-        d[1] = static_cast<std::uint8_t>(static_cast<int>(rows::Clamp(i, 0.0, kFull)));
-        d[2] = static_cast<std::uint8_t>(static_cast<int>(rows::Clamp(q, 0.0, kFull)));
+        out[0][k] = static_cast<int>(rows::Clamp(y, 0.0, kFull));
+        out[1][k] = static_cast<int>(rows::Clamp(i, 0.0, kFull));
+        out[2][k] = static_cast<int>(rows::Clamp(q, 0.0, kFull));
     }
+    });
 }
 
-// The truncated y, i, q of each byte, as doubles ready for the sums.
+// The truncated y, i, q of each byte, as doubles ready for the sums (three
+// divisions per pixel cost more than the lookups save in lanes).
 struct YiqInputs {
     std::array<double, 256> y{}, i{}, q{};
     constexpr YiqInputs() {
@@ -102,20 +101,20 @@ void YiqToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept 
 
 KT_KERNEL(RgbToYuv) {
     (void)black;
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYuvRow(o, s, d, w); });
+    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbToYuvRow(o, s, d, w); });
 }
 
 KT_KERNEL(YuvToRgb) {
     (void)black;
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YuvToRgbRow(o, s, d, w); });
+    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { YuvToRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(RgbToYiq) {
     (void)black;
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYiqRow(o, s, d, w); });
+    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbToYiqRow(o, s, d, w); });
 }
 
 KT_KERNEL(YiqToRgb) {
