@@ -244,9 +244,11 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
     return STATUS_OK;
 }
 
+// Every validation failure answers the same status, so the order of the
+// checks is free: membership comes first and the block is read only once it
+// is known to be live. A freed or foreign pointer is never dereferenced.
 KtStatus IsValid(ClrHandle* h) noexcept {
-    if (!h || platform::IsBadReadPtr(h, sizeof(ClrHandle))) return ERR_INVALID_COLOR_HANDLE;
-    if (h->structSize != KTCLR_SIZEOF_CLR_HANDLE) return ERR_INVALID_COLOR_HANDLE;
+    if (!h) return ERR_INVALID_COLOR_HANDLE;
     return registry::Contains(h) ? STATUS_OK : ERR_INVALID_COLOR_HANDLE;
 }
 
@@ -254,7 +256,7 @@ KtStatus Free(ClrHandle* h) noexcept {
     if (!h || platform::IsBadReadPtr(h, sizeof(ClrHandle))) return ERR_INVALID_PARAMETER;
     // Validation and removal are one step, so two threads cannot both free
     // one handle.
-    if (h->structSize != KTCLR_SIZEOF_CLR_HANDLE || !registry::Take(h)) return ERR_INVALID_COLOR_HANDLE;
+    if (!registry::Take(h)) return ERR_INVALID_COLOR_HANDLE;
     DestroyHandle(h);
     return STATUS_OK;
 }

@@ -109,12 +109,17 @@ bool Append(ClrHandle* h) noexcept {
     return true;
 }
 
-void Remove(ClrHandle* h) noexcept { Take(h); }
+void Remove(ClrHandle* h) noexcept {
+    State& s = S();
+    std::lock_guard<std::mutex> guard(s.lock);
+    Node** link = nullptr;
+    if (Node* node = s.head ? Find(s, h, &link) : nullptr) Unlink(s, node, link);
+}
 
 bool Contains(const ClrHandle* h) noexcept {
     State& s = S();
     std::lock_guard<std::mutex> guard(s.lock);
-    return s.head && Find(s, h, nullptr);
+    return s.head && Find(s, h, nullptr) && h->structSize == KTCLR_SIZEOF_CLR_HANDLE;
 }
 
 bool Take(ClrHandle* h) noexcept {
@@ -122,7 +127,7 @@ bool Take(ClrHandle* h) noexcept {
     std::lock_guard<std::mutex> guard(s.lock);
     Node** link = nullptr;
     Node* node = s.head ? Find(s, h, &link) : nullptr;
-    if (!node) return false;
+    if (!node || h->structSize != KTCLR_SIZEOF_CLR_HANDLE) return false;
     Unlink(s, node, link);
     return true;
 }
@@ -131,6 +136,12 @@ ClrHandle* Head() noexcept {
     State& s = S();
     std::lock_guard<std::mutex> guard(s.lock);
     return s.head ? s.head->handle : nullptr;
+}
+
+ClrHandle* Tail() noexcept {
+    State& s = S();
+    std::lock_guard<std::mutex> guard(s.lock);
+    return s.tail ? s.tail->handle : nullptr;
 }
 
 std::size_t Count() noexcept {

@@ -17,14 +17,18 @@ bool Append(ClrHandle* h) noexcept;
 // Unlinks and frees h's node, if any.
 void Remove(ClrHandle* h) noexcept;
 
-// The membership checks of validation: list empty, or h not on it, is false.
+// Validation: true when h is on the list and its size field is intact. The
+// block is read only once it is known to be on the list, under the lock, so
+// validating races safely with another thread's free.
 bool Contains(const ClrHandle* h) noexcept;
 
-// Atomically checks membership and removes h's node. False when h is not live.
+// Atomically validates as Contains does and removes h's node. False when h
+// is not live.
 bool Take(ClrHandle* h) noexcept;
 
-// The handle of the head node, or null when the list is empty.
+// The handle of the head (oldest) or tail (newest) node; null when empty.
 ClrHandle* Head() noexcept;
+ClrHandle* Tail() noexcept;
 
 std::size_t Count() noexcept;
 
