@@ -11,6 +11,7 @@
 // recomputed by the literal formula.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 
 namespace kt::color {
@@ -40,7 +41,17 @@ struct GammaEncoder {
     std::uint8_t start[kSegments];
     double exponent;
 
-    int Encode(double v) const noexcept;
+    int Encode(double v) const noexcept {
+        constexpr double kSmall = 0x1p-21;  // threshold[1] lies above it
+        constexpr std::uint64_t base = static_cast<std::uint64_t>(1023 + kFirstBinade) << kSegmentBits;
+        if (!(v > kSmall)) return 0;
+        if (v >= 1.0) return 255;
+        int c = start[(std::bit_cast<std::uint64_t>(v) >> (52 - kSegmentBits)) - base];
+        // A segment holds at most one threshold; the loop is a safeguard.
+        c += v >= threshold[c + 1];
+        while (v >= threshold[c + 1]) ++c;
+        return c;
+    }
 };
 
 void BuildForwardLab(ForwardLab* f, double gammaExponent, const double white[3], const double matrix[9]) noexcept;
