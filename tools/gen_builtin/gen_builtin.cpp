@@ -80,21 +80,38 @@ Bytes RgbDisplayProfile() {
     return Assemble({kVersion21, Sig("mntr"), Sig("RGB "), Sig("XYZ ")}, el, tags).bytes;
 }
 
-// ------------------------------------------------------------ Lab identity
-Bytes LabIdentityLut8() {
+// ------------------------------------------------------------ Lab profile
+// Lab to Lab. The device side is the library's Lab pixel: L byte, then a
+// and b as signed bytes (two's complement), so a neutral is written as 0, 0
+// and the conversion frame's +128 stores it as 128, 128. The PCS side is
+// the ICC 8-bit Lab encoding (a + 128). The encodings differ only in the
+// curves; the grid is the identity.
+std::uint8_t kSignedToOffset[256], kOffsetToSigned[256];
+
+void FillSignCurves() {
+    for (int i = 0; i < 256; ++i) {
+        kSignedToOffset[i] = std::uint8_t((i + 128) & 255);
+        kOffsetToSigned[i] = std::uint8_t((i + 128) & 255);
+    }
+}
+
+Bytes LabLut8(bool fromDevice) {
     constexpr int kGrid = 32;
     Bytes clut;
     for (int i = 0; i < kGrid; ++i)
         for (int j = 0; j < kGrid; ++j)
             for (int k = 0; k < kGrid; ++k)
                 for (int v : {i, j, k}) clut.push_back(Clamp8(v * 255.0 / (kGrid - 1)));
-    return Lut8Element(3, 3, kGrid, clut);
+    const std::vector<Curve8> chroma = {nullptr, fromDevice ? kSignedToOffset : kOffsetToSigned,
+                                        fromDevice ? kSignedToOffset : kOffsetToSigned};
+    return fromDevice ? Lut8Element(3, 3, kGrid, clut, chroma, {}) : Lut8Element(3, 3, kGrid, clut, {}, chroma);
 }
 
 Bytes LabProfile() {
     const double d50[3] = {0.9642, 1.0, 0.8249};
     enum { desc, a2b0, b2a0, wtpt, cprt };
-    std::vector<Bytes> el = {DescElement("ktclr Lab identity"), LabIdentityLut8(), LabIdentityLut8(),
+    FillSignCurves();
+    std::vector<Bytes> el = {DescElement("ktclr Lab (signed a, b)"), LabLut8(true), LabLut8(false),
                              XyzElement(d50), TextElement(kCopyright)};
     std::vector<TagRef> tags = {
         {Sig("desc"), desc}, {Sig("A2B0"), a2b0}, {Sig("B2A0"), b2a0}, {Sig("wtpt"), wtpt}, {Sig("cprt"), cprt}};
@@ -384,7 +401,7 @@ int main(int argc, char** argv) {
     const Bytes grids = EmulationGrids(press, rgb);
 
     WriteFile(root + "/data/builtin/rgb_display.icc", rgb);
-    WriteFile(root + "/data/builtin/lab_identity.icc", lab);
+    WriteFile(root + "/data/builtin/lab.icc", lab);
     WriteFile(root + "/data/builtin/cmyk_press.icc", press);
     WriteFile(root + "/data/builtin/cmy.icc", cmy.bytes);
     WriteFile(root + "/data/builtin/emulation_grids.bin", grids);

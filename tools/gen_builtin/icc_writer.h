@@ -112,9 +112,12 @@ inline void PutIdentityMatrix(Bytes& b) {
         for (int c = 0; c < 3; ++c) PutS15(b, r == c ? 1.0 : 0.0);
 }
 
-// lut8 ('mft1'): identity matrix and identity 256-entry curves around a
-// grid of 8-bit entries (outputs innermost, first input outermost).
-inline Bytes Lut8Element(int in, int out, int grid, const Bytes& clut) {
+// lut8 ('mft1'): identity matrix, the given 256-entry input and output
+// curves (null: identity) around a grid of 8-bit entries (outputs innermost,
+// first input outermost).
+using Curve8 = const std::uint8_t*;
+inline Bytes Lut8Element(int in, int out, int grid, const Bytes& clut, const std::vector<Curve8>& inCurves = {},
+                         const std::vector<Curve8>& outCurves = {}) {
     Bytes b;
     PutTypeHead(b, Sig("mft1"));
     Put8(b, in);
@@ -122,11 +125,15 @@ inline Bytes Lut8Element(int in, int out, int grid, const Bytes& clut) {
     Put8(b, grid);
     Put8(b, 0);
     PutIdentityMatrix(b);
-    for (int c = 0; c < in; ++c)
-        for (int i = 0; i < 256; ++i) Put8(b, i);
+    auto curves = [&](int n, const std::vector<Curve8>& given) {
+        for (int c = 0; c < n; ++c) {
+            const Curve8 curve = std::size_t(c) < given.size() ? given[std::size_t(c)] : nullptr;
+            for (int i = 0; i < 256; ++i) Put8(b, curve ? curve[i] : i);
+        }
+    };
+    curves(in, inCurves);
     b.insert(b.end(), clut.begin(), clut.end());
-    for (int c = 0; c < out; ++c)
-        for (int i = 0; i < 256; ++i) Put8(b, i);
+    curves(out, outCurves);
     return b;
 }
 
