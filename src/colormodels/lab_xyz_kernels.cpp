@@ -39,34 +39,36 @@ const FormulaLab& Formula() noexcept {
     return lab;
 }
 
-// The XYZ formulas are sums of per-channel products, so a table of each
-// product per byte gives the same doubles as the formula; the sums keep the
-// written order. Rows of `weight`: output channel; columns: input channel.
-struct XyzTables {
-    double term[9][256];
-    explicit XyzTables(const double (&weight)[9]) noexcept {
-        for (int k = 0; k < 9; ++k)
-            for (int i = 0; i < 256; ++i) term[k][i] = weight[k] * static_cast<double>(i);
-    }
-    int Sum(int row, int a, int b, int c) const noexcept {
-        return rows::Trunc((term[3 * row][a] + term[3 * row + 1][b]) + term[3 * row + 2][c]);
-    }
-};
-
+// The XYZ formulas are sums of per-channel products in the written order;
+// rows of the weights: output channel, columns: input channel. Each chunk of
+// pixels goes through plain loops the compiler vectorizes, with the same
+// double products and sums as the formula.
 // X = 0.63267 R + 0.228457 G + 0.0 B, Y = 0.204556 R + 0.737352 G +
 // 0.00951424 B, Z = 0.126995 R + 0.0341908 G + 0.815696 B: each red weight
 // stands in its own row, as the formula is written.
 constexpr double kToXyz[9] = {0.63267, 0.228457, 0.0, 0.204556, 0.737352, 0.00951424, 0.126995, 0.0341908, 0.815696};
 constexpr double kFromXyz[9] = {1.75526, -0.544134, 0.00634681, -0.483679, 1.50688, -0.0175762,
                                 -0.253,  0.0215528, 1.2257};
+constexpr int kMaxByte = 255;
 
-const XyzTables& ToXyz() noexcept {
-    static const XyzTables t(kToXyz);
-    return t;
-}
-const XyzTables& FromXyz() noexcept {
-    static const XyzTables t(kFromXyz);
-    return t;
+// in/out lanes hold the three bytes in memory order of each side.
+template <bool ToXyzSide, class O>
+KT_ROW_INLINE void XyzRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    constexpr const double* w = ToXyzSide ? kToXyz : kFromXyz;
+    rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+        // The input channels in formula order: R, G, B or X, Y, Z.
+        constexpr int a = ToXyzSide ? O::r : 0, b = ToXyzSide ? O::g : 1, c = ToXyzSide ? O::b : 2;
+        for (int row = 0; row < 3; ++row) {
+            const int to = ToXyzSide ? row : (row == 0 ? O::r : row == 1 ? O::g : O::b);
+            for (int i = 0; i < rows::kChunk; ++i) {
+                const double p = w[3 * row] * static_cast<double>(in[a][i]);
+                const double q = w[3 * row + 1] * static_cast<double>(in[b][i]);
+                const double r = w[3 * row + 2] * static_cast<double>(in[c][i]);
+                const int v = static_cast<int>((p + q) + r);
+                out[to][i] = ToXyzSide ? v : (v < 0 ? 0 : (v > kMaxByte ? kMaxByte : v));
+            }
+        }
+    });
 }
 
 }  // namespace
@@ -103,32 +105,16 @@ KT_KERNEL(LabToRgb) {
 
 KT_KERNEL(RgbToXyz) {
     (void)black;
-    const XyzTables& t = ToXyz();
-    return rows::Walk(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [&t](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          using O = decltype(o);
-                          for (int x = 0; x < w; ++x, s += 3, d += 3) {
-                              const int R = s[O::r], G = s[O::g], B = s[O::b];
-                              d[0] = static_cast<std::uint8_t>(t.Sum(0, R, G, B));
-                              d[1] = static_cast<std::uint8_t>(t.Sum(1, R, G, B));
-                              d[2] = static_cast<std::uint8_t>(t.Sum(2, R, G, B));
-                          }
-                      });
+    return rows::WalkFast(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                          [](auto o, const std::uint8_t* s, std::uint8_t* d, int w)
+                              KT_LAMBDA_INLINE { XyzRow<true>(o, s, d, w); });
 }
 
 KT_KERNEL(XyzToRgb) {
     (void)black;
-    const XyzTables& t = FromXyz();
-    return rows::Walk(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [&t](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          using O = decltype(o);
-                          for (int x = 0; x < w; ++x, s += 3, d += 3) {
-                              const int X = s[0], Y = s[1], Z = s[2];
-                              d[O::r] = static_cast<std::uint8_t>(rows::ClampInt(t.Sum(0, X, Y, Z), 0, 255));
-                              d[O::g] = static_cast<std::uint8_t>(rows::ClampInt(t.Sum(1, X, Y, Z), 0, 255));
-                              d[O::b] = static_cast<std::uint8_t>(rows::ClampInt(t.Sum(2, X, Y, Z), 0, 255));
-                          }
-                      });
+    return rows::WalkFast(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                          [](auto o, const std::uint8_t* s, std::uint8_t* d, int w)
+                              KT_LAMBDA_INLINE { XyzRow<false>(o, s, d, w); });
 }
 
 }  // namespace kt::color
