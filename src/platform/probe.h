@@ -1,7 +1,12 @@
 // Pointer probes: does [p, p + size) lie in memory this process may read
-// (or write)? They never fault and install no signal handlers; the cost is
-// a system call per 1024 pages. A size of 0 is always fine; a null pointer
+// (or write)? They never fault, install no signal handlers, modify nothing
+// and are safe from any thread. A size of 0 is always fine; a null pointer
 // with a non-zero size never is.
+//
+// The cost is a system call per mapping the range crosses: the kernel is
+// asked about the mappings themselves (PROCMAP_QUERY). Where that is not
+// available the probes fall back to reading one byte per page through
+// process_vm_readv, and last to /proc/self/maps.
 #pragma once
 
 #include <cstddef>
@@ -9,14 +14,12 @@
 namespace kt::platform {
 
 bool IsBadReadPtr(const void* p, std::size_t size) noexcept;
-
-// Like the system probe it stands for, this reads one byte of every page and
-// writes the same value back, so read-only and copy-on-write pages are
-// judged exactly as a real store would.
 bool IsBadWritePtr(void* p, std::size_t size) noexcept;
 
-// The /proc/self/maps fallback, used when the process cannot read its own
-// memory through the kernel; exposed so tests can exercise it.
+// The individual methods, exposed so tests can hold them against each other.
+enum class ProbeResult { ok, bad, unsupported };
+ProbeResult ProbeByQuery(const void* p, std::size_t size, bool write) noexcept;
+ProbeResult ProbeByCopy(const void* p, std::size_t size, bool write) noexcept;
 bool IsBadPtrByMaps(const void* p, std::size_t size, bool write) noexcept;
 
 }  // namespace kt::platform

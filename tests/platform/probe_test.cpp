@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
@@ -16,21 +18,25 @@ namespace {
 using platform::IsBadPtrByMaps;
 using platform::IsBadReadPtr;
 using platform::IsBadWritePtr;
+using platform::ProbeByCopy;
+using platform::ProbeByQuery;
+using platform::ProbeResult;
 using test::MappedPages;
 using Access = MappedPages::Access;
 
-// Both implementations must agree on every case.
+// Every method this kernel supports must agree on every case.
 struct Probes {
-    bool read(const void* p, std::size_t n) const {
-        bool a = IsBadReadPtr(p, n), b = IsBadPtrByMaps(p, n, false);
-        EXPECT_EQ(a, b) << "kernel and maps probes disagree on read";
-        return a;
+    bool check(const void* p, std::size_t n, bool write) const {
+        const bool verdict = write ? IsBadWritePtr(const_cast<void*>(p), n) : IsBadReadPtr(p, n);
+        EXPECT_EQ(IsBadPtrByMaps(p, n, write), verdict) << "maps text disagrees";
+        for (ProbeResult r : {ProbeByQuery(p, n, write), ProbeByCopy(p, n, write)})
+            if (r != ProbeResult::unsupported) {
+                EXPECT_EQ(r == ProbeResult::bad, verdict) << "a method disagrees";
+            }
+        return verdict;
     }
-    bool write(void* p, std::size_t n) const {
-        bool a = IsBadWritePtr(p, n), b = IsBadPtrByMaps(p, n, true);
-        EXPECT_EQ(a, b) << "kernel and maps probes disagree on write";
-        return a;
-    }
+    bool read(const void* p, std::size_t n) const { return check(p, n, false); }
+    bool write(void* p, std::size_t n) const { return check(p, n, true); }
 };
 
 TEST(Probe, SizesAndNull) {
@@ -105,6 +111,24 @@ TEST(Probe, ConcurrentProbes) {
     }
     for (auto& th : threads) th.join();
     EXPECT_EQ(wrong.load(), 0);
+}
+
+TEST(Probe, ForkedChildAsksAboutItsOwnMemory) {
+    int x = 0;
+    ASSERT_FALSE(IsBadReadPtr(&x, sizeof x));  // the parent has its descriptor now
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // A mapping only the child has.
+        void* m = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        const bool ok = m != MAP_FAILED && !IsBadWritePtr(m, 4096);
+        munmap(m, 4096);
+        const bool gone = IsBadReadPtr(m, 1);
+        _exit(ok && gone ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 }  // namespace
