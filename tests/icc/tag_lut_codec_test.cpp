@@ -161,35 +161,6 @@ TEST(LutCodec, Lut8KeepsNativeEntryCounts) {
     EXPECT_EQ(ParseBare(wide.data(), uint32_t(wide.size() - 1), Sig("mft1")), ERR_INVALID_TAG);
 }
 
-struct AbSample {
-    bool aToB;
-    uint8_t in, out;
-    CurveSetSample a, m, b;
-    ClutSample clut;
-    ICCLutAtoB lut{};
-
-    AbSample(bool aToB_, uint8_t in_, uint8_t out_, uint8_t precision)
-        : aToB(aToB_),
-          in(in_),
-          out(out_),
-          a(aToB_ ? in_ : out_, 1),
-          m(aToB_ ? out_ : in_, 2),
-          b(aToB_ ? out_ : in_, 3),
-          clut(in_, out_, 2, precision) {
-        lut.signature = aToB ? Sig("mAB ") : Sig("mBA ");
-        lut.inputChannels = in;
-        lut.outputChannels = out;
-        lut.curvesA = a.data();
-        lut.curvesM = m.data();
-        lut.curvesB = b.data();
-        lut.clut = &clut.clut;
-        for (int i = 0; i < 12; ++i) lut.matrix[i] = (i % 4 == 0 ? 0x10000 : 0) + i * 977 - 3000;
-    }
-    uint32_t Type() const { return aToB ? Sig("mAB ") : Sig("mBA "); }
-    uint32_t CountA() const { return aToB ? in : out; }
-    uint32_t CountMB() const { return aToB ? out : in; }
-};
-
 // Sizes of the encoded elements of a sample: B, M, CLUT, A.
 struct AbLayout {
     uint32_t b, m, clut, a;
