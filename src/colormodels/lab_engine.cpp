@@ -155,7 +155,7 @@ void BuildGammaEncoder(GammaEncoder* e, double exponent) noexcept {
     e->threshold[256] = INFINITY;
     constexpr std::uint64_t base = static_cast<std::uint64_t>(1023 + GammaEncoder::kFirstBinade)
                                    << GammaEncoder::kSegmentBits;
-    for (int i = 0; i < GammaEncoder::kSegments; ++i) {
+    for (int i = 0; i <= GammaEncoder::kSegments; ++i) {
         const double lo = std::bit_cast<double>((base + i) << (52 - GammaEncoder::kSegmentBits));
         int c = 0;
         while (c < 255 && e->threshold[c + 1] <= lo) ++c;

@@ -38,7 +38,7 @@ struct GammaEncoder {
     static constexpr int kSegmentBits = 7;
     static constexpr int kSegments = (-kFirstBinade) << kSegmentBits;
     double threshold[257];  // [c]: smallest v coding to c or more; [256] = inf
-    std::uint8_t start[kSegments];
+    std::uint8_t start[kSegments + 1];  // the last entry: v = 1
     double exponent;
 
     int Encode(double v) const noexcept {
@@ -51,6 +51,18 @@ struct GammaEncoder {
         c += v >= threshold[c + 1];
         while (v >= threshold[c + 1]) ++c;
         return c;
+    }
+
+    // The same without branches, for vectorized loops: 2^-21 stands for
+    // anything below it (code 0) and 1 for anything above. Over one segment
+    // the code rises by at most 255 x 0.45 x 2^-7 < 1, so one step suffices.
+    int EncodeLane(double v) const noexcept {
+        constexpr double kSmall = 0x1p-21;
+        constexpr std::int64_t base = static_cast<std::int64_t>(1023 + kFirstBinade) << kSegmentBits;
+        v = v > kSmall ? v : kSmall;
+        v = v < 1.0 ? v : 1.0;
+        const int c = start[(std::bit_cast<std::int64_t>(v) >> (52 - kSegmentBits)) - base];
+        return c + (v >= threshold[c + 1]);
     }
 };
 
