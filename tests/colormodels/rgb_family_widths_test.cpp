@@ -1,0 +1,140 @@
+// The vectorized kernels convert rows in chunks with a short last chunk:
+// every width from 1 to 100, paddings 0 to 5 on either side, both RGB
+// orders and in-place conversion, on random pixels, against the reference.
+// Padding bytes stay as they were.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "colormodels/kernels.h"
+#include "colormodels/reference/reference_rgb_family.h"
+
+namespace kt {
+namespace {
+
+using ref::Px3;
+constexpr int kHeight = 3;
+constexpr int kMaxWidth = 100;
+constexpr int kMaxPad = 5;
+constexpr std::uint8_t kFill = 0xA5;
+
+// A reference pixel: reads srcBytes bytes, writes dstBytes bytes; pixels are
+// in the RGB flag's order on the RGB side.
+using RefPixel = void (*)(const std::uint8_t* in, std::uint8_t* out, int order);
+
+struct Case {
+    const char* name;
+    color::Kernel kernel;
+    int srcBytes, dstBytes;
+    RefPixel ref;
+};
+
+Px3 Rgb(const std::uint8_t* p, int order) { return order ? Px3{p[0], p[1], p[2]} : Px3{p[2], p[1], p[0]}; }
+void PutRgb(const Px3& c, std::uint8_t* p, int order) {
+    p[order ? 0 : 2] = c[0];
+    p[1] = c[1];
+    p[order ? 2 : 0] = c[2];
+}
+void Put3(const Px3& c, std::uint8_t* p) { p[0] = c[0], p[1] = c[1], p[2] = c[2]; }
+
+template <Px3 (*F)(int, int, int)>
+void FromRgb(const std::uint8_t* in, std::uint8_t* out, int order) {
+    const Px3 c = Rgb(in, order);
+    Put3(F(c[0], c[1], c[2]), out);
+}
+template <Px3 (*F)(int, int, int)>
+void ToRgb(const std::uint8_t* in, std::uint8_t* out, int order) {
+    PutRgb(F(in[0], in[1], in[2]), out, order);
+}
+
+// Runs one case over the whole grid of widths, paddings and orders; the
+// source's pixels are random, the destination's padding a fill byte.
+void Check(const Case& c, std::mt19937& rng, const std::function<void(std::uint8_t*, int)>& shape = nullptr) {
+    int bad = 0;
+    std::string first;
+    for (int width = 1; width <= kMaxWidth; ++width)
+        for (int srcPad = 0; srcPad <= kMaxPad; ++srcPad)
+            for (int dstPad = 0; dstPad <= kMaxPad; ++dstPad)
+                for (int order : {1, 0}) {
+                    const int srcStride = width * c.srcBytes + srcPad, dstStride = width * c.dstBytes + dstPad;
+                    std::vector<std::uint8_t> src(static_cast<std::size_t>(srcStride) * kHeight);
+                    for (auto& b : src) b = static_cast<std::uint8_t>(rng());
+                    if (shape)
+                        for (int y = 0; y < kHeight; ++y)
+                            for (int x = 0; x < width; ++x) shape(&src[y * srcStride + x * c.srcBytes], order);
+                    std::vector<std::uint8_t> want(static_cast<std::size_t>(dstStride) * kHeight, kFill);
+                    for (int y = 0; y < kHeight; ++y)
+                        for (int x = 0; x < width; ++x)
+                            c.ref(&src[y * srcStride + x * c.srcBytes], &want[y * dstStride + x * c.dstBytes], order);
+                    std::vector<std::uint8_t> got(want.size(), kFill);
+                    const KtStatus status = c.kernel(src.data(), got.data(), width, kHeight, srcPad, dstPad, 0, order);
+                    bool ok = status == STATUS_OK && got == want;
+                    if (c.srcBytes == c.dstBytes && srcPad == dstPad) {
+                        // In place: the padding keeps the source's bytes.
+                        std::vector<std::uint8_t> inPlace = src, wantInPlace = src;
+                        for (int y = 0; y < kHeight; ++y)
+                            std::copy_n(&want[y * dstStride], width * c.dstBytes, &wantInPlace[y * dstStride]);
+                        ok = ok && c.kernel(inPlace.data(), inPlace.data(), width, kHeight, srcPad, dstPad, 0, order) ==
+                                       STATUS_OK;
+                        ok = ok && inPlace == wantInPlace;
+                    }
+                    if (!ok && bad++ == 0)
+                        first = "width " + std::to_string(width) + " pads " + std::to_string(srcPad) + "/" +
+                                std::to_string(dstPad) + " order " + std::to_string(order);
+                }
+    EXPECT_EQ(bad, 0) << c.name << ", first: " << first;
+}
+
+bool HlsPixel(const std::uint8_t* in, std::uint8_t* out, int order) {
+    Px3 c{};
+    if (!ref::HlsToRgb(in[0], in[1], in[2], &c)) return false;
+    PutRgb(c, out, order);
+    return true;
+}
+void HlsToRgbRef(const std::uint8_t* in, std::uint8_t* out, int order) { HlsPixel(in, out, order); }
+
+TEST(RgbFamilyWidths, ThreeByteSpaces) {
+    std::mt19937 rng(12345);
+    const Case cases[] = {
+        {"rgb->hsv", color::RgbToHsv, 3, 3, FromRgb<ref::RgbToHsv>},
+        {"hsv->rgb", color::HsvToRgb, 3, 3, ToRgb<ref::HsvToRgb>},
+        {"rgb->hls", color::RgbToHls, 3, 3, FromRgb<ref::RgbToHls>},
+        {"rgb->hsi", color::RgbToHsi, 3, 3, FromRgb<ref::RgbToHsi>},
+        {"hsi->rgb", color::HsiToRgb, 3, 3, ToRgb<ref::HsiToRgb>},
+        {"rgb->yuv", color::RgbToYuv, 3, 3, FromRgb<ref::RgbToYuv>},
+        {"yuv->rgb", color::YuvToRgb, 3, 3, ToRgb<ref::YuvToRgb>},
+        {"rgb->yiq", color::RgbToYiq, 3, 3, FromRgb<ref::RgbToYiq>},
+        {"yiq->rgb", color::YiqToRgb, 3, 3, ToRgb<ref::YiqToRgb>},
+        {"rgb->ycbcr", color::RgbToYcbcr, 3, 3, FromRgb<ref::RgbToYcbcr>},
+        {"ycbcr->rgb", color::YcbcrToRgb, 3, 3, ToRgb<ref::YcbcrToRgb>},
+    };
+    for (const Case& c : cases) Check(c, rng);
+    // HLS to RGB rejects a hue without saturation: such pixels get one.
+    Check({"hls->rgb", color::HlsToRgb, 3, 3, HlsToRgbRef}, rng, [](std::uint8_t* p, int) {
+        if (p[2] == 0) p[2] = 1;
+    });
+}
+
+// A hue without saturation stops HLS to RGB at that pixel in any row
+// position: the pixels before it converted, everything after untouched.
+TEST(RgbFamilyWidths, HlsRejectedPixelAnywhere) {
+    std::mt19937 rng(777);
+    for (int width = 1; width <= 70; ++width)
+        for (int at = 0; at < width; ++at) {
+            std::vector<std::uint8_t> src(3 * width);
+            for (auto& b : src) b = static_cast<std::uint8_t>(rng() | 1);
+            src[3 * at] = 9;
+            src[3 * at + 2] = 0;
+            std::vector<std::uint8_t> got(src.size(), kFill), want(src.size(), kFill);
+            for (int x = 0; x < at; ++x) ASSERT_TRUE(HlsPixel(&src[3 * x], &want[3 * x], 1));
+            ASSERT_EQ(color::HlsToRgb(src.data(), got.data(), width, 1, 0, 0, 0, 1), ERR_INVALID_TAG);
+            ASSERT_EQ(got, want) << "width " << width << " at " << at;
+        }
+}
+
+}  // namespace
+}  // namespace kt
