@@ -5,6 +5,11 @@
 
 #include "colormodels/kernel_rows.h"
 
+// Lets the compiler evaluate both sides of the selects in the lane loops
+// (they cannot trap) instead of keeping them as branches. Rounding is
+// unaffected.
+#pragma GCC optimize("no-trapping-math")
+
 namespace kt::color {
 namespace {
 constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
@@ -57,29 +62,32 @@ void FromRgbRow(O, const HueTable& hues, const std::uint8_t* s, std::uint8_t* d,
     }
 }
 
-// Per hue byte: its sector and the two cosines of the chromatic channel.
+// Per hue byte its sector, and per hue and saturation byte the chromatic
+// term s x cos(numerator angle) / cos(denominator angle), formed in that
+// order from the same doubles.
 struct SectorTable {
     std::uint8_t sector[256];  // 1..3, 0 outside every sector
-    double cosNum[256];
-    double cosDen[256];
+    double term[256 * 256];    // by hue byte, then saturation byte
     SectorTable() noexcept {
         for (int hb = 0; hb < 256; ++hb) {
             const double h = hb / kFull * kPi;
+            double cosNum = 0.0, cosDen = 0.0;
             sector[hb] = 0;
-            cosNum[hb] = cosDen[hb] = 0.0;
             if (h >= 0.0 && h <= kSector1End) {
                 sector[hb] = 1;
-                cosNum[hb] = std::cos(h);
-                cosDen[hb] = std::cos(kSector1End - h);
+                cosNum = std::cos(h);
+                cosDen = std::cos(kSector1End - h);
             } else if (h > kSector1End && h <= kSector2End) {
                 sector[hb] = 2;
-                cosNum[hb] = std::cos(h - kSector2Shift);
-                cosDen[hb] = std::cos(kSector2Base - h);
+                cosNum = std::cos(h - kSector2Shift);
+                cosDen = std::cos(kSector2Base - h);
             } else if (h > kSector2End && h <= kSector3End) {
                 sector[hb] = 3;
-                cosNum[hb] = std::cos(h - kSector3Shift);
-                cosDen[hb] = std::cos(kSector3Base - h);
+                cosNum = std::cos(h - kSector3Shift);
+                cosDen = std::cos(kSector3Base - h);
             }
+            for (int sb = 0; sb < 256; ++sb)
+                term[hb * 256 + sb] = sector[hb] == 0 ? 0.0 : sb / kFull * cosNum / cosDen;
         }
     }
 };
@@ -89,37 +97,38 @@ const SectorTable& Sectors() noexcept {
     return table;
 }
 
-constexpr std::uint8_t Limit(int v) { return static_cast<std::uint8_t>(v > 255 ? 255 : (v < 1 ? 0 : v)); }
+KT_ROW_INLINE int Limit(int v) { return v > 255 ? 255 : (v < 1 ? 0 : v); }
 
+// The table lookups fill lanes; the double arithmetic then runs lane by
+// lane, each sector's channels chosen by selects.
 template <class O>
-void ToRgbRow(O, const SectorTable& t, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    for (int x = 0; x < width; ++x, s += 3, d += 3) {
-        const int ib = s[0], hb = s[1], sb = s[2];
-        const double sat = sb / kFull;
-        const double i = ib;
-        int r = 0, g = 0, b = 0;
-        const int sector = t.sector[hb];
-        if (sector != 0) {
-            const int low = rows::Trunc((1.0 - sat) * i);
-            const int high = rows::Trunc((1.0 + sat * t.cosNum[hb] / t.cosDen[hb]) * i);
-            if (sector == 1) {
-                b = low;
-                r = high;
-                g = rows::Trunc(3.0 * i - (static_cast<std::int16_t>(r) + static_cast<std::int16_t>(b)));
-            } else if (sector == 2) {
-                r = low;
-                g = high;
-                b = rows::Trunc(3.0 * i - (g + r));
-            } else {
-                g = low;
-                b = high;
-                r = rows::Trunc(3.0 * i - (b + g));
-            }
+KT_ROW_INLINE void ToRgbRow(O, const SectorTable& t, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<3, 3>(s, d, width, [&t](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+        alignas(32) double term[rows::kChunk];
+        alignas(32) std::int32_t sector[rows::kChunk];
+        for (int k = 0; k < rows::kChunk; ++k) {
+            term[k] = t.term[in[1][k] * 256 + in[2][k]];
+            sector[k] = t.sector[in[1][k]];
         }
-        d[O::r] = Limit(r);
-        d[O::g] = Limit(g);
-        d[O::b] = Limit(b);
-    }
+        for (int k = 0; k < rows::kChunk; ++k) {
+            const double i = in[0][k];
+            const double sat = in[2][k] / kFull;
+            const int low = static_cast<int>((1.0 - sat) * i);
+            // Every value fits an int: the smallest denominator cosine, near
+            // a quarter turn, is about 0.006.
+            const int high = static_cast<int>((1.0 + term[k]) * i);
+            const int sec = sector[k];
+            // Sector 1 sums the two as 16-bit values.
+            const int pair = sec == 1 ? static_cast<std::int16_t>(high) + static_cast<std::int16_t>(low) : high + low;
+            const int third = static_cast<int>(3.0 * i - pair);
+            const int r = sec == 1 ? high : (sec == 2 ? low : third);
+            const int g = sec == 1 ? third : (sec == 2 ? high : low);
+            const int b = sec == 1 ? low : (sec == 2 ? third : high);
+            out[O::r][k] = sec == 0 ? 0 : Limit(r);
+            out[O::g][k] = sec == 0 ? 0 : Limit(g);
+            out[O::b][k] = sec == 0 ? 0 : Limit(b);
+        }
+    });
 }
 }  // namespace
 
@@ -133,10 +142,10 @@ KT_KERNEL(RgbToHsi) {
 KT_KERNEL(HsiToRgb) {
     (void)black;
     const SectorTable& sectors = Sectors();
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [&sectors](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          ToRgbRow(o, sectors, s, d, w);
-                      });
+    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                          [&sectors](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE {
+                              ToRgbRow(o, sectors, s, d, w);
+                          });
 }
 
 }  // namespace kt::color
