@@ -31,6 +31,7 @@ struct Case {
     color::Kernel kernel;
     int srcBytes, dstBytes;
     RefPixel ref;
+    int black = 0;
 };
 
 Px3 Rgb(const std::uint8_t* p, int order) { return order ? Px3{p[0], p[1], p[2]} : Px3{p[2], p[1], p[0]}; }
@@ -71,14 +72,14 @@ void Check(const Case& c, std::mt19937& rng, const std::function<void(std::uint8
                         for (int x = 0; x < width; ++x)
                             c.ref(&src[y * srcStride + x * c.srcBytes], &want[y * dstStride + x * c.dstBytes], order);
                     std::vector<std::uint8_t> got(want.size(), kFill);
-                    const KtStatus status = c.kernel(src.data(), got.data(), width, kHeight, srcPad, dstPad, 0, order);
+                    const KtStatus status = c.kernel(src.data(), got.data(), width, kHeight, srcPad, dstPad, c.black, order);
                     bool ok = status == STATUS_OK && got == want;
                     if (c.srcBytes == c.dstBytes && srcPad == dstPad) {
                         // In place: the padding keeps the source's bytes.
                         std::vector<std::uint8_t> inPlace = src, wantInPlace = src;
                         for (int y = 0; y < kHeight; ++y)
                             std::copy_n(&want[y * dstStride], width * c.dstBytes, &wantInPlace[y * dstStride]);
-                        ok = ok && c.kernel(inPlace.data(), inPlace.data(), width, kHeight, srcPad, dstPad, 0, order) ==
+                        ok = ok && c.kernel(inPlace.data(), inPlace.data(), width, kHeight, srcPad, dstPad, c.black, order) ==
                                        STATUS_OK;
                         ok = ok && inPlace == wantInPlace;
                     }
@@ -87,6 +88,35 @@ void Check(const Case& c, std::mt19937& rng, const std::function<void(std::uint8
                                 std::to_string(dstPad) + " order " + std::to_string(order);
                 }
     EXPECT_EQ(bad, 0) << c.name << ", first: " << first;
+}
+
+template <int P>
+void RgbToCmykRef(const std::uint8_t* in, std::uint8_t* out, int order) {
+    const Px3 c = Rgb(in, order);
+    const ref::Px4 k = ref::RgbToCmyk(c[0], c[1], c[2], P);
+    std::copy(k.begin(), k.end(), out);
+}
+template <int P>
+void CmykToRgbRef(const std::uint8_t* in, std::uint8_t* out, int order) {
+    PutRgb(ref::CmykToRgb(in[0], in[1], in[2], in[3], P), out, order);
+}
+
+// Black values on each path: no removal or restoration, the usual ones,
+// and a removal too large for an int.
+TEST(RgbFamilyWidths, Cmyk) {
+    std::mt19937 rng(4242);
+    const Case cases[] = {
+        {"rgb->cmyk 175", color::RgbToCmyk, 3, 4, RgbToCmykRef<175>, 175},
+        {"rgb->cmyk 500", color::RgbToCmyk, 3, 4, RgbToCmykRef<500>, 500},
+        {"rgb->cmyk 1000", color::RgbToCmyk, 3, 4, RgbToCmykRef<1000>, 1000},
+        {"rgb->cmyk 65536", color::RgbToCmyk, 3, 4, RgbToCmykRef<65536>, 65536},
+        {"rgb->cmyk -5000", color::RgbToCmyk, 3, 4, RgbToCmykRef<-5000>, -5000},
+        {"cmyk->rgb 175", color::CmykToRgb, 4, 3, CmykToRgbRef<175>, 175},
+        {"cmyk->rgb 600", color::CmykToRgb, 4, 3, CmykToRgbRef<600>, 600},
+        {"cmyk->rgb 1000", color::CmykToRgb, 4, 3, CmykToRgbRef<1000>, 1000},
+        {"cmyk->rgb 5000", color::CmykToRgb, 4, 3, CmykToRgbRef<5000>, 5000},
+    };
+    for (const Case& c : cases) Check(c, rng);
 }
 
 bool HlsPixel(const std::uint8_t* in, std::uint8_t* out, int order) {
