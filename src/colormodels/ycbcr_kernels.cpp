@@ -24,19 +24,28 @@ KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int wid
     });
 }
 
+// The inverse in integers. Every double sum Y + c x Cb (+ c' x Cr) truncates
+// after clamping to Y plus the floor of the chroma terms alone, and with
+// the coefficients rounded to 22 fractional bits the arithmetic shift gives
+// that floor for every Cb and Cr: the exhaustive tests prove both steps.
+constexpr int kInverseShift = 22;
+constexpr double kInverseScale = 1 << kInverseShift;
+constexpr int Fixed(double c) { return static_cast<int>(c * kInverseScale + 0.5); }
+constexpr int kRedCr = Fixed(1.402);
+constexpr int kGreenCb = Fixed(0.3441363);
+constexpr int kGreenCr = Fixed(0.71413636);
+constexpr int kBlueCb = Fixed(1.772);
+
 template <class O>
 KT_ROW_INLINE void ToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
         for (int i = 0; i < rows::kChunk; ++i) {
-            const double y = in[0][i];
-            const double cb = static_cast<std::int8_t>(in[1][i]);
-            const double cr = static_cast<std::int8_t>(in[2][i]);
-            const double r = y + 1.402 * cr;
-            const double g = y - 0.3441363 * cb - 0.71413636 * cr;
-            const double b = y + 1.772 * cb;
-            out[O::r][i] = static_cast<int>(rows::Clamp(r, 0.0, kFull));
-            out[O::g][i] = static_cast<int>(rows::Clamp(g, 0.0, kFull));
-            out[O::b][i] = static_cast<int>(rows::Clamp(b, 0.0, kFull));
+            const int y = in[0][i];
+            const int cb = static_cast<std::int8_t>(in[1][i]);
+            const int cr = static_cast<std::int8_t>(in[2][i]);
+            out[O::r][i] = rows::ClampInt(y + ((kRedCr * cr) >> kInverseShift), 0, 255);
+            out[O::g][i] = rows::ClampInt(y + ((-kGreenCb * cb - kGreenCr * cr) >> kInverseShift), 0, 255);
+            out[O::b][i] = rows::ClampInt(y + ((kBlueCb * cb) >> kInverseShift), 0, 255);
         }
     });
 }
