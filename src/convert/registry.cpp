@@ -102,10 +102,11 @@ bool Append(ClrHandle* h) noexcept {
         s.tail = node;
     }
     ++s.count;
-    MaybeGrow(s);
     Node** b = &s.buckets[Bucket(h, s.bucketCount)];
     node->chain = *b;
     *b = node;
+    // Growing rebuilds the index from the list, this node included.
+    MaybeGrow(s);
     return true;
 }
 

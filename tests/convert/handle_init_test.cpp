@@ -346,3 +346,21 @@ TEST(HandleLifecycle, ManyHandlesStayValid) {
 
 }  // namespace
 }  // namespace kt
+
+namespace kt {
+namespace {
+
+TEST(HandleLifecycle, IndexGrowthKeepsEveryHandleReachable) {
+    // Every handle must stay findable across each growth of the index,
+    // whichever bucket the newest one lands in.
+    constexpr int kCount = 600;
+    static ClrHandle* h[kCount];
+    for (int i = 0; i < kCount; ++i) {
+        ASSERT_EQ(Vx_ClrInit(&h[i], CS_RGB, CS_YIQ, nullptr), STATUS_OK);
+        for (int j = 0; j <= i; ++j) ASSERT_EQ(Vx_ClrIsValid(h[j]), STATUS_OK) << j << " after " << i;
+    }
+    for (int i = kCount - 1; i >= 0; --i) ASSERT_EQ(Vx_ClrFree(h[i]), STATUS_OK);
+}
+
+}  // namespace
+}  // namespace kt
