@@ -5,11 +5,6 @@
 
 #include "colormodels/kernel_rows.h"
 
-// Lets the compiler evaluate both sides of the selects in the lane loops
-// (they cannot trap) instead of keeping them as branches. Rounding is
-// unaffected.
-#pragma GCC optimize("no-trapping-math")
-
 namespace kt::color {
 namespace {
 constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
@@ -61,6 +56,11 @@ void FromRgbRow(O, const HueTable& hues, const std::uint8_t* s, std::uint8_t* d,
         d[2] = static_cast<std::uint8_t>(sat);
     }
 }
+
+// Lets the compiler evaluate both sides of the selects in the lane loops of
+// the inverse (they cannot trap) instead of keeping them as branches.
+// Rounding is unaffected. The forward row above runs faster without it.
+#pragma GCC optimize("no-trapping-math")
 
 // Per hue byte its sector, and per hue and saturation byte the chromatic
 // term s x cos(numerator angle) / cos(denominator angle), formed in that
