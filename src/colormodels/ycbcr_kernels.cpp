@@ -1,4 +1,5 @@
 // YCbCr, full range, with Cb and Cr stored as signed bytes centred on 0.
+#include "colormodels/affine_avx2.h"
 #include "colormodels/kernel_rows.h"
 
 namespace kt::color {
@@ -7,22 +8,44 @@ constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr double kFull = 255.0;
 constexpr double kChromaLow = -128.0, kChromaHigh = 127.0;
 
-// The double formulas, lane by lane; the vector arithmetic rounds exactly as
-// the scalar one does.
+// The double formulas; the vector arithmetic rounds exactly as the scalar
+// one does.
+KT_ROW_INLINE int Luma(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp(0.299 * r + 0.587 * g + 0.114 * b, 0.0, kFull));
+}
+KT_ROW_INLINE int BlueChroma(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp(-0.16874 * r - 0.33126 * g + 0.5 * b, kChromaLow, kChromaHigh));
+}
+KT_ROW_INLINE int RedChroma(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp(0.5 * r - 0.41869 * g - 0.08131 * b, kChromaLow, kChromaHigh));
+}
+
+template <class O>
+KT_ROW_INLINE void FromRgbPixel(const std::uint8_t* in, std::uint8_t* out) {
+    const double r = in[O::r], g = in[O::g], b = in[O::b];
+    out[0] = static_cast<std::uint8_t>(Luma(r, g, b));
+    out[1] = static_cast<std::uint8_t>(BlueChroma(r, g, b));
+    out[2] = static_cast<std::uint8_t>(RedChroma(r, g, b));
+}
+
 template <class O>
 KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
         for (int i = 0; i < rows::kChunk; ++i) {
             const double r = in[O::r][i], g = in[O::g][i], b = in[O::b][i];
-            const double y = 0.299 * r + 0.587 * g + 0.114 * b;
-            const double cb = -0.16874 * r - 0.33126 * g + 0.5 * b;
-            const double cr = 0.5 * r - 0.41869 * g - 0.08131 * b;
-            out[0][i] = static_cast<int>(rows::Clamp(y, 0.0, kFull));
-            out[1][i] = static_cast<int>(rows::Clamp(cb, kChromaLow, kChromaHigh));
-            out[2][i] = static_cast<int>(rows::Clamp(cr, kChromaLow, kChromaHigh));
+            out[0][i] = Luma(r, g, b);
+            out[1][i] = BlueChroma(r, g, b);
+            out[2][i] = RedChroma(r, g, b);
         }
     });
 }
+
+constexpr affine::Channel kChannels[3] = {
+    {0.299, 0.587, 0.114, 0.0, 0, 255},
+    {-0.16874, -0.33126, 0.5, 0.0, -128, 127},
+    {0.5, -0.41869, -0.08131, 0.0, -128, 127},
+};
+constexpr affine::Fixed3 kFromRgbFixed{kChannels};
 
 // The inverse in integers. Every double sum Y + c x Cb (+ c' x Cr) truncates
 // after clamping to Y plus the floor of the chroma terms alone, and with
@@ -49,22 +72,66 @@ KT_ROW_INLINE void ToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width
         }
     });
 }
+
+#pragma GCC push_options
+#pragma GCC target("avx2")
+template <class O>
+int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    static const affine::Vectors vectors{kFromRgbFixed};
+    return affine::FromRgb<O>(kFromRgbFixed, vectors, s, d, width,
+                              [](const std::uint8_t* in, std::uint8_t* out) { FromRgbPixel<O>(in, out); });
+}
+
+[[gnu::always_inline]] inline __m256i Term(__m256i v, int k) {
+    return _mm256_srai_epi32(_mm256_mullo_epi32(v, _mm256_set1_epi32(k)), kInverseShift);
+}
+
+template <class O>
+int ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    return avx2::Steps(s, d, width, [](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+        const avx2::Step st = avx2::Load(m, from);
+        const __m256i y = st.c[0];
+        const __m256i cb = _mm256_srai_epi32(_mm256_slli_epi32(st.c[1], 24), 24);
+        const __m256i cr = _mm256_srai_epi32(_mm256_slli_epi32(st.c[2], 24), 24);
+        const __m256i green = _mm256_add_epi32(_mm256_mullo_epi32(cb, _mm256_set1_epi32(-kGreenCb)),
+                                               _mm256_mullo_epi32(cr, _mm256_set1_epi32(-kGreenCr)));
+        __m256i out[3];
+        out[O::r] = avx2::Clamp(_mm256_add_epi32(y, Term(cr, kRedCr)), 0, 255);
+        out[O::g] = avx2::Clamp(_mm256_add_epi32(y, _mm256_srai_epi32(green, kInverseShift)), 0, 255);
+        out[O::b] = avx2::Clamp(_mm256_add_epi32(y, Term(cb, kBlueCb)), 0, 255);
+        avx2::Store(m, to, st.raw, out[0], out[1], out[2]);
+    });
+}
+#pragma GCC pop_options
+
+// The AVX2 steps where the processor has them, the lane loops for the rest
+// of each row.
+template <class Vector, class Plain>
+KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
+                   int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
+    if (!rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
+    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [&](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+                          const int done = vector(o, s, d, w);
+                          plain(o, s + 3 * done, d + 3 * done, w - done);
+                      });
+}
 }  // namespace
 
 KT_KERNEL(RgbToYcbcr) {
     (void)black;
-    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                          [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE {
-                              FromRgbRow(o, s, d, w);
-                          });
+    return WalkSteps(
+        src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return FromRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(YcbcrToRgb) {
     (void)black;
-    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                          [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE {
-                              ToRgbRow(o, s, d, w);
-                          });
+    return WalkSteps(
+        src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return ToRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbRow(o, s, d, w); });
 }
 
 }  // namespace kt::color

@@ -1,0 +1,103 @@
+// AVX2 steps over 3-byte pixels, eight at a time: the bytes of each position
+// spread into 32-bit lanes and packed back with byte shuffles. Everything
+// here is compiled for AVX2 only; callers check rows::HasAvx2() first and
+// convert what is left of a row with their plain rows.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+#pragma GCC push_options
+#pragma GCC target("avx2")
+
+namespace kt::color::avx2 {
+
+constexpr int kStep = 8;          // pixels per step
+constexpr int kStepBytes = 24;    // bytes they occupy
+// A step reads and writes 28 bytes (the last four written back unchanged),
+// so it may only run while 10 whole pixels are left in the row.
+constexpr int kStepReach = 10;
+
+// Pixels x .. x + 7 with the 32-bit lanes of byte positions 0, 1 and 2, and
+// the raw bytes (each 128-bit half holds four pixels and four spare bytes).
+struct Step {
+    __m256i raw;
+    __m256i c[3];
+};
+
+inline __m256i Spread(int at) {
+    alignas(32) std::int8_t m[32];
+    for (int half = 0; half < 2; ++half)
+        for (int k = 0; k < 4; ++k) {
+            std::int8_t* lane = m + 16 * half + 4 * k;
+            lane[0] = static_cast<std::int8_t>(3 * k + at);
+            lane[1] = lane[2] = lane[3] = -1;
+        }
+    return _mm256_load_si256(reinterpret_cast<const __m256i*>(m));
+}
+
+inline __m256i Pack(int at) {
+    alignas(32) std::int8_t m[32];
+    for (int half = 0; half < 2; ++half)
+        for (int j = 0; j < 16; ++j) m[16 * half + j] = static_cast<std::int8_t>(j < 12 && j % 3 == at ? 4 * (j / 3) : -1);
+    return _mm256_load_si256(reinterpret_cast<const __m256i*>(m));
+}
+
+// The shuffle masks, built once per process.
+struct Masks {
+    __m256i spread[3], pack[3], spare;
+    Masks() {
+        for (int at = 0; at < 3; ++at) {
+            spread[at] = Spread(at);
+            pack[at] = Pack(at);
+        }
+        spare = _mm256_setr_epi32(0, 0, 0, -1, 0, 0, 0, -1);
+    }
+};
+
+inline const Masks& TheMasks() {
+    static const Masks masks;
+    return masks;
+}
+
+[[gnu::always_inline]] inline Step Load(const Masks& m, const std::uint8_t* s) {
+    const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s));
+    const __m128i hi = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 12));
+    Step st;
+    st.raw = _mm256_inserti128_si256(_mm256_castsi128_si256(lo), hi, 1);
+    for (int at = 0; at < 3; ++at) st.c[at] = _mm256_shuffle_epi8(st.raw, m.spread[at]);
+    return st;
+}
+
+// Stores the low bytes of the lanes c0, c1, c2 as byte positions 0, 1, 2.
+// The four bytes after the eighth pixel get back what Load read there, so a
+// row converted in place keeps the next pixel intact.
+[[gnu::always_inline]] inline void Store(const Masks& m, std::uint8_t* d, const __m256i raw, __m256i c0, __m256i c1,
+                                         __m256i c2) {
+    __m256i v = _mm256_or_si256(_mm256_shuffle_epi8(c0, m.pack[0]), _mm256_shuffle_epi8(c1, m.pack[1]));
+    v = _mm256_or_si256(v, _mm256_shuffle_epi8(c2, m.pack[2]));
+    v = _mm256_or_si256(v, _mm256_and_si256(raw, m.spare));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(v));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
+}
+
+// Runs step(masks, s, d) over the row while a step may, and returns the
+// number of pixels converted.
+template <class F>
+[[gnu::always_inline]] inline int Steps(const std::uint8_t* s, std::uint8_t* d, int width, const F& step) {
+    const Masks& m = TheMasks();
+    int x = 0;
+    for (; x + kStepReach <= width; x += kStep, s += kStepBytes, d += kStepBytes) step(m, s, d);
+    return x;
+}
+
+// The lane-wise clamp.
+[[gnu::always_inline]] inline __m256i Clamp(__m256i v, int lo, int hi) {
+    return _mm256_min_epi32(_mm256_max_epi32(v, _mm256_set1_epi32(lo)), _mm256_set1_epi32(hi));
+}
+
+}  // namespace kt::color::avx2
+
+#pragma GCC pop_options
