@@ -33,6 +33,7 @@ struct Fixed3 {
     int c[3][4];
     int lo[3], hi[3];
     bool clamp[3], negative[3];
+    bool bytes = true;  // every channel clamped to 0..255: the packs clamp
     constexpr explicit Fixed3(const Channel (&ch)[3]) : c{}, lo{}, hi{}, clamp{}, negative{} {
         for (int k = 0; k < 3; ++k) {
             const double co[3] = {ch[k].cr, ch[k].cg, ch[k].cb};
@@ -46,6 +47,7 @@ struct Fixed3 {
             hi[k] = ch[k].hi;
             negative[k] = least < 0;
             clamp[k] = least < ch[k].lo || most >= ch[k].hi + 1;
+            bytes = bytes && ch[k].lo == 0 && ch[k].hi == 255;
         }
     }
 };
@@ -78,7 +80,7 @@ struct Vectors {
 [[gnu::always_inline]] inline __m256i Truncate(const Fixed3& f, int k, __m256i s) {
     __m256i t = _mm256_srai_epi32(s, kShift);
     if (f.negative[k] && f.lo[k] < 0) t = _mm256_sub_epi32(t, _mm256_srai_epi32(s, 31));
-    return f.clamp[k] ? avx2::Clamp(t, f.lo[k], f.hi[k]) : t;
+    return f.clamp[k] && !f.bytes ? avx2::Clamp(t, f.lo[k], f.hi[k]) : t;
 }
 
 // Lanes with a sum within the window of a whole number: the fraction bits
@@ -103,13 +105,19 @@ template <class O, class Pixel>
         const __m256i s0 = Sum(v, 0, r, g, b), s1 = Sum(v, 1, r, g, b), s2 = Sum(v, 2, r, g, b);
         const __m256i c0 = Truncate(f, 0, s0), c1 = Truncate(f, 1, s1), c2 = Truncate(f, 2, s2);
         const int redo = Near(s0, s1, s2);
+        const auto store = [&] {
+            if (f.bytes)
+                avx2::StoreClamped(m, to, st.raw, c0, c1, c2);
+            else
+                avx2::Store(m, to, st.raw, c0, c1, c2);
+        };
         if (redo == 0) {
-            avx2::Store(m, to, st.raw, c0, c1, c2);
+            store();
             return;
         }
         std::uint8_t in[avx2::kStepBytes];
         std::memcpy(in, from, sizeof in);
-        avx2::Store(m, to, st.raw, c0, c1, c2);
+        store();
         for (int k = 0; k < avx2::kStep; ++k)
             if (redo & (1 << k)) pixel(in + 3 * k, to + 3 * k);
     });

@@ -45,14 +45,23 @@ inline __m256i Pack(int at) {
     return _mm256_load_si256(reinterpret_cast<const __m256i*>(m));
 }
 
+// Interleaves the bytes c0 0-3, c1 0-3, c2 0-3 of each half.
+inline __m256i Interleave() {
+    alignas(32) std::int8_t m[32];
+    for (int half = 0; half < 2; ++half)
+        for (int j = 0; j < 16; ++j) m[16 * half + j] = static_cast<std::int8_t>(j < 12 ? 4 * (j % 3) + j / 3 : -1);
+    return _mm256_load_si256(reinterpret_cast<const __m256i*>(m));
+}
+
 // The shuffle masks, built once per process.
 struct Masks {
-    __m256i spread[3], pack[3], spare;
+    __m256i spread[3], pack[3], interleave, spare;
     Masks() {
         for (int at = 0; at < 3; ++at) {
             spread[at] = Spread(at);
             pack[at] = Pack(at);
         }
+        interleave = Interleave();
         spare = _mm256_setr_epi32(0, 0, 0, -1, 0, 0, 0, -1);
     }
 };
@@ -79,6 +88,17 @@ inline const Masks& TheMasks() {
     __m256i v = _mm256_or_si256(_mm256_shuffle_epi8(c0, m.pack[0]), _mm256_shuffle_epi8(c1, m.pack[1]));
     v = _mm256_or_si256(v, _mm256_shuffle_epi8(c2, m.pack[2]));
     v = _mm256_or_si256(v, _mm256_and_si256(raw, m.spare));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(v));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
+}
+
+// Store for lanes that are clamped to 0..255 on the way: the saturating
+// packs do the clamping.
+[[gnu::always_inline]] inline void StoreClamped(const Masks& m, std::uint8_t* d, const __m256i raw, __m256i c0,
+                                                __m256i c1, __m256i c2) {
+    const __m256i words = _mm256_packs_epi32(c0, c1);
+    __m256i v = _mm256_packus_epi16(words, _mm256_packs_epi32(c2, c2));
+    v = _mm256_or_si256(_mm256_shuffle_epi8(v, m.interleave), _mm256_and_si256(raw, m.spare));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
 }

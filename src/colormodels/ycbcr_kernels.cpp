@@ -96,10 +96,10 @@ int ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
         const __m256i green = _mm256_add_epi32(_mm256_mullo_epi32(cb, _mm256_set1_epi32(-kGreenCb)),
                                                _mm256_mullo_epi32(cr, _mm256_set1_epi32(-kGreenCr)));
         __m256i out[3];
-        out[O::r] = avx2::Clamp(_mm256_add_epi32(y, Term(cr, kRedCr)), 0, 255);
-        out[O::g] = avx2::Clamp(_mm256_add_epi32(y, _mm256_srai_epi32(green, kInverseShift)), 0, 255);
-        out[O::b] = avx2::Clamp(_mm256_add_epi32(y, Term(cb, kBlueCb)), 0, 255);
-        avx2::Store(m, to, st.raw, out[0], out[1], out[2]);
+        out[O::r] = _mm256_add_epi32(y, Term(cr, kRedCr));
+        out[O::g] = _mm256_add_epi32(y, _mm256_srai_epi32(green, kInverseShift));
+        out[O::b] = _mm256_add_epi32(y, Term(cb, kBlueCb));
+        avx2::StoreClamped(m, to, st.raw, out[0], out[1], out[2]);
     });
 }
 #pragma GCC pop_options
