@@ -3,6 +3,7 @@
 // truncated per-byte values and finish in integers (YUV) or doubles (YIQ).
 #include <array>
 
+#include "colormodels/affine_avx2.h"
 #include "colormodels/kernel_rows.h"
 
 namespace kt::color {
@@ -18,23 +19,65 @@ constexpr double kYiqYSpan = 263.0;
 constexpr double kISpan = 303.0, kIOffset = 152.0;
 constexpr double kQSpan = 267.0, kQOffset = 134.0;
 
-// Every row runs its formula lane by lane over chunks of pixels; the vector
-// arithmetic rounds exactly as the scalar one does, and divisions stay
-// divisions.
+// The forward formulas, one output byte each. Every row runs them lane by
+// lane over chunks of pixels; the vector arithmetic rounds exactly as the
+// scalar one does, and divisions stay divisions.
+KT_ROW_INLINE int Luma(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp(0.299 * r + 0.587 * g + 0.114 * b, 0.0, kFull));
+}
+KT_ROW_INLINE int YuvU(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp((0.434 * b - 0.146 * r - 0.288 * g + kUOffset) / kUSpan * kFull + 0.5, 0.0, kFull));
+}
+KT_ROW_INLINE int YuvV(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp((0.617 * r - 0.517 * g - 0.1 * b + kVOffset) / kVSpan * kFull + 0.5, 0.0, kFull));
+}
+KT_ROW_INLINE int YiqY(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp((0.299 * r + 0.587 * g + 0.114 * b) / kYiqYSpan * kFull + 0.5, 0.0, kFull));
+}
+KT_ROW_INLINE int YiqI(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp((0.596 * r - 0.274 * g - 0.322 * b + kIOffset) / kISpan * kFull + 0.5, 0.0, kFull));
+}
+KT_ROW_INLINE int YiqQ(double r, double g, double b) {
+    return static_cast<int>(rows::Clamp((0.212 * r - 0.523 * g + 0.311 * b + kQOffset) / kQSpan * kFull + 0.5, 0.0, kFull));
+}
+
+// One pixel through the formulas, for the pixels the fixed-point steps hand
+// back.
+template <class O, int (*F0)(double, double, double), int (*F1)(double, double, double),
+          int (*F2)(double, double, double)>
+KT_ROW_INLINE void Pixel(const std::uint8_t* in, std::uint8_t* out) {
+    const double r = in[O::r], g = in[O::g], b = in[O::b];
+    out[0] = static_cast<std::uint8_t>(F0(r, g, b));
+    out[1] = static_cast<std::uint8_t>(F1(r, g, b));
+    out[2] = static_cast<std::uint8_t>(F2(r, g, b));
+}
+
 template <class O>
 KT_ROW_INLINE void RgbToYuvRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
-    for (int i = 0; i < rows::kChunk; ++i) {
-        const double r = in[O::r][i], g = in[O::g][i], b = in[O::b][i];
-        const double y = 0.299 * r + 0.587 * g + 0.114 * b;
-        const double u = (0.434 * b - 0.146 * r - 0.288 * g + kUOffset) / kUSpan * kFull + 0.5;
-        const double v = (0.617 * r - 0.517 * g - 0.1 * b + kVOffset) / kVSpan * kFull + 0.5;
-        out[0][i] = static_cast<int>(rows::Clamp(y, 0.0, kFull));
-        out[1][i] = static_cast<int>(rows::Clamp(u, 0.0, kFull));
-        out[2][i] = static_cast<int>(rows::Clamp(v, 0.0, kFull));
-    }
+        for (int i = 0; i < rows::kChunk; ++i) {
+            const double r = in[O::r][i], g = in[O::g][i], b = in[O::b][i];
+            out[0][i] = Luma(r, g, b);
+            out[1][i] = YuvU(r, g, b);
+            out[2][i] = YuvV(r, g, b);
+        }
     });
 }
+
+// The same formulas as fixed-point affine sums: the exact decimal
+// coefficients with the spans and offsets folded in.
+constexpr affine::Channel kYuvChannels[3] = {
+    {0.299, 0.587, 0.114, 0.0, 0, 255},
+    {-0.146 * kFull / kUSpan, -0.288 * kFull / kUSpan, 0.434 * kFull / kUSpan, kUOffset * kFull / kUSpan + 0.5, 0, 255},
+    {0.617 * kFull / kVSpan, -0.517 * kFull / kVSpan, -0.1 * kFull / kVSpan, kVOffset * kFull / kVSpan + 0.5, 0, 255},
+};
+constexpr affine::Fixed3 kYuvFixed{kYuvChannels};
+constexpr affine::Channel kYiqChannels[3] = {
+    {0.299 * kFull / kYiqYSpan, 0.587 * kFull / kYiqYSpan, 0.114 * kFull / kYiqYSpan, 0.5, 0, 255},
+    {0.596 * kFull / kISpan, -0.274 * kFull / kISpan, -0.322 * kFull / kISpan, kIOffset * kFull / kISpan + 0.5, 0, 255},
+    {0.212 * kFull / kQSpan, -0.523 * kFull / kQSpan, 0.311 * kFull / kQSpan, kQOffset * kFull / kQSpan + 0.5, 0, 255},
+};
+constexpr affine::Fixed3 kYiqFixed{kYiqChannels};
 
 // Fixed-point inverse, 15 fractional bits; the constants hold the offsets.
 constexpr int kYuvShift = 15;
@@ -59,15 +102,12 @@ KT_ROW_INLINE void YuvToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int wi
 template <class O>
 KT_ROW_INLINE void RgbToYiqRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
-    for (int k = 0; k < rows::kChunk; ++k) {
-        const double r = in[O::r][k], g = in[O::g][k], b = in[O::b][k];
-        const double y = (0.299 * r + 0.587 * g + 0.114 * b) / kYiqYSpan * kFull + 0.5;
-        const double i = (0.596 * r - 0.274 * g - 0.322 * b + kIOffset) / kISpan * kFull + 0.5;
-        const double q = (0.212 * r - 0.523 * g + 0.311 * b + kQOffset) / kQSpan * kFull + 0.5;
-        out[0][k] = static_cast<int>(rows::Clamp(y, 0.0, kFull));
-        out[1][k] = static_cast<int>(rows::Clamp(i, 0.0, kFull));
-        out[2][k] = static_cast<int>(rows::Clamp(q, 0.0, kFull));
-    }
+        for (int k = 0; k < rows::kChunk; ++k) {
+            const double r = in[O::r][k], g = in[O::g][k], b = in[O::b][k];
+            out[0][k] = YiqY(r, g, b);
+            out[1][k] = YiqI(r, g, b);
+            out[2][k] = YiqQ(r, g, b);
+        }
     });
 }
 
@@ -97,24 +137,103 @@ void YiqToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept 
         d[O::b] = static_cast<std::uint8_t>(static_cast<int>(rows::Clamp(b, 0.0, kFull)));
     }
 }
+// The truncated u and v of the inverse as a product's high half: -u =
+// floor(U x 223 / 255) and -v = V + floor(V x 20 / 255), checked here for
+// every byte.
+constexpr int kUMagic = 57312, kVMagic = 5141;
+constexpr bool MagicHolds() {
+    for (int k = 0; k < 256; ++k) {
+        if (-((k * kUMagic) >> 16) != static_cast<int>(-(k / kFull) * kUSpan)) return false;
+        if (-(k + ((k * kVMagic) >> 16)) != static_cast<int>(-(k / kFull) * kVSpan)) return false;
+    }
+    return true;
+}
+static_assert(MagicHolds());
+
+#pragma GCC push_options
+#pragma GCC target("avx2")
+template <class O, const affine::Fixed3& F, void (*P)(const std::uint8_t*, std::uint8_t*)>
+int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    static const affine::Vectors vectors{F};
+    return affine::FromRgb<O>(F, vectors, s, d, width, [](const std::uint8_t* in, std::uint8_t* out) { P(in, out); });
+}
+
+// Sixteen-bit pairs (-u, -v) in each 32-bit lane feed multiply-adds; a
+// coefficient beyond 16 bits is taken less 65536 and the missing 65536 x
+// operand added back from the pair itself.
+template <class O>
+int YuvToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    alignas(32) static const std::int8_t pairMask[32] = {1, -1, 2, -1, 4, -1, 5, -1, 7, -1, 8, -1, 10, -1, 11, -1,
+                                                         1, -1, 2, -1, 4, -1, 5, -1, 7, -1, 8, -1, 10, -1, 11, -1};
+    const __m256i pairs = _mm256_load_si256(reinterpret_cast<const __m256i*>(pairMask));
+    const __m256i magic = _mm256_set1_epi32(kUMagic | (kVMagic << 16));
+    const __m256i high = _mm256_set1_epi32(static_cast<int>(0xFFFF0000u));
+    const __m256i green = _mm256_set1_epi32((-12943 & 0xFFFF) | (-18940 << 16));
+    const __m256i red = _mm256_set1_epi32((-29 & 0xFFFF) | ((37221 - 65536) << 16));
+    const __m256i blue = _mm256_set1_epi32((66883 - 65536) | (-33 << 16));
+    return avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+        const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i hi = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 12));
+        const __m256i raw = _mm256_inserti128_si256(_mm256_castsi128_si256(lo), hi, 1);
+        const __m256i y = _mm256_shuffle_epi8(raw, m.spread[0]);
+        const __m256i uv = _mm256_shuffle_epi8(raw, pairs);  // U low, V high
+        const __m256i nuv = _mm256_add_epi16(_mm256_mulhi_epu16(uv, magic), _mm256_and_si256(uv, high));
+        const __m256i g = _mm256_add_epi32(_mm256_madd_epi16(nuv, green), _mm256_set1_epi32(4063336));
+        const __m256i r = _mm256_add_epi32(_mm256_add_epi32(_mm256_madd_epi16(nuv, red), _mm256_and_si256(nuv, high)),
+                                           _mm256_set1_epi32(-5133250));
+        const __m256i b = _mm256_add_epi32(_mm256_add_epi32(_mm256_madd_epi16(nuv, blue), _mm256_slli_epi32(nuv, 16)),
+                                           _mm256_set1_epi32(-7486342));
+        __m256i out[3];
+        out[O::r] = _mm256_add_epi32(y, _mm256_srai_epi32(r, kYuvShift));
+        out[O::g] = _mm256_add_epi32(y, _mm256_srai_epi32(g, kYuvShift));
+        out[O::b] = _mm256_add_epi32(y, _mm256_srai_epi32(b, kYuvShift));
+        avx2::StoreClamped(m, to, raw, out[0], out[1], out[2]);
+    });
+}
+#pragma GCC pop_options
+
+// The AVX2 steps where the processor has them, the plain rows for the rest
+// of each row.
+template <class Vector, class Plain>
+KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
+                   int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
+    if (!rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
+    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [&](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+                          const int done = vector(o, s, d, w);
+                          plain(o, s + 3 * done, d + 3 * done, w - done);
+                      });
+}
 }  // namespace
 
 KT_KERNEL(RgbToYuv) {
     (void)black;
-    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbToYuvRow(o, s, d, w); });
+    return WalkSteps(
+        src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+            using O = decltype(o);
+            return FromRgbAvx2<O, kYuvFixed, Pixel<O, Luma, YuvU, YuvV>>(s, d, w);
+        },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYuvRow(o, s, d, w); });
 }
 
 KT_KERNEL(YuvToRgb) {
     (void)black;
-    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { YuvToRgbRow(o, s, d, w); });
+    return WalkSteps(
+        src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return YuvToRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YuvToRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(RgbToYiq) {
     (void)black;
-    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbToYiqRow(o, s, d, w); });
+    return WalkSteps(
+        src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+            using O = decltype(o);
+            return FromRgbAvx2<O, kYiqFixed, Pixel<O, YiqY, YiqI, YiqQ>>(s, d, w);
+        },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYiqRow(o, s, d, w); });
 }
 
 KT_KERNEL(YiqToRgb) {
