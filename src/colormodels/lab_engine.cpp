@@ -11,12 +11,6 @@ constexpr double kSlope = 7.7867;
 constexpr double kOffset = 0.13793103448275862;  // 16 / 116
 constexpr double kThird = 1.0 / 3.0;
 
-// A result this close to a truncation step is recomputed exactly. The fast
-// cube root is within 1e-12 of the exact one, so the outputs (at most 500
-// times a difference of two roots) are within 2e-9.
-constexpr double kTruncMargin = 1e-6;
-constexpr double kLimitMargin = 1e-9;
-
 double FExact(double t) { return t > kLinearLimit ? std::pow(t, kThird) : kSlope * t + kOffset; }
 
 // Stores L, a, b from the three f values (the Lab byte encoding).
@@ -27,61 +21,6 @@ void StoreLab(double fx, double fy, double fz, std::uint8_t out[3]) {
     out[0] = static_cast<std::uint8_t>(((L & 255) * 255) / 100);
     out[1] = static_cast<std::uint8_t>(a);
     out[2] = static_cast<std::uint8_t>(b);
-}
-
-// Seeds of the inverse cube root: a straight line through the ends of each
-// 1/256 of a binade from 2^-7 to 2 (relative error below 5e-7).
-struct CbrtSeeds {
-    static constexpr int kFirstBinade = -7;
-    static constexpr int kBits = 8;
-    static constexpr int kCount = (1 - kFirstBinade) << kBits;
-    static constexpr std::uint64_t kBase = static_cast<std::uint64_t>(1023 + kFirstBinade) << kBits;
-    struct Line {
-        double at0, slope;
-    };
-    Line line[kCount];
-    CbrtSeeds() noexcept {
-        for (int i = 0; i < kCount; ++i) {
-            const double lo = std::bit_cast<double>((kBase + i) << (52 - kBits));
-            const double hi = std::bit_cast<double>((kBase + i + 1) << (52 - kBits));
-            const double rl = 1.0 / std::cbrt(lo), rh = 1.0 / std::cbrt(hi);
-            const double slope = (rh - rl) / (hi - lo);
-            // The chord lies above the convex curve; lower it by half the
-            // largest gap, which sits near the middle.
-            const double mid = 0.5 * (lo + hi);
-            const double gap = (rl + slope * (mid - lo)) - 1.0 / std::cbrt(mid);
-            line[i] = {rl - slope * lo - 0.5 * gap, slope};
-        }
-    }
-};
-
-const CbrtSeeds& Seeds() noexcept {
-    static const CbrtSeeds seeds;
-    return seeds;
-}
-
-// t^(1/3) for 2^-7 <= t < 2 within 1e-12 relative: one Newton step on the
-// inverse cube root from the seed line, which needs no division.
-inline double FastCbrt(const CbrtSeeds& s, double t) {
-    const CbrtSeeds::Line& l = s.line[(std::bit_cast<std::uint64_t>(t) >> (52 - CbrtSeeds::kBits)) - CbrtSeeds::kBase];
-    double r = l.at0 + l.slope * t;
-    const double e = 1.0 - t * (r * r * r);
-    r += r * e * kThird;
-    return t * (r * r);
-}
-
-inline bool NearStep(double v) {
-    const int t = static_cast<int>(v);
-    const double frac = std::fabs(v - t);
-    return (t != 0 && frac < kTruncMargin) || frac > 1.0 - kTruncMargin;
-}
-
-// Fast f; false when t is too close to the branch point or out of the
-// seeded range, so that the caller falls back.
-inline bool FastF(const CbrtSeeds& s, double t, double* f) {
-    if (std::fabs(t - kLinearLimit) < kLimitMargin || t >= 2.0) return false;
-    *f = t > kLinearLimit ? FastCbrt(s, t) : kSlope * t + kOffset;
-    return true;
 }
 
 int CodeOf(double v, double exponent) {
@@ -100,7 +39,6 @@ void BuildForwardLab(ForwardLab* f, double gammaExponent, const double white[3],
         f->white[i] = white[i];
         f->scale[i] = 100.0 / white[i];
     }
-    (void)Seeds();
 }
 
 void ForwardLabPixel(const ForwardLab& f, int r, int g, int b, std::uint8_t out[3]) noexcept {
@@ -110,28 +48,6 @@ void ForwardLabPixel(const ForwardLab& f, int r, int g, int b, std::uint8_t out[
     const double Y = (m[3] * lr + m[4] * lg) + m[5] * lb;
     const double Z = (m[6] * lr + m[7] * lg) + m[8] * lb;
     StoreLab(FExact(X * 100.0 / f.white[0]), FExact(Y * 100.0 / f.white[1]), FExact(Z * 100.0 / f.white[2]), out);
-}
-
-void ForwardLabRow(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width, int rIndex) noexcept {
-    const CbrtSeeds& s = Seeds();
-    const double* m = f.matrix;
-    const int bIndex = 2 - rIndex;
-    for (int x = 0; x < width; ++x, src += 3, dst += 3) {
-        const int R = src[rIndex], G = src[1], B = src[bIndex];
-        const double lr = f.linear[R], lg = f.linear[G], lb = f.linear[B];
-        const double X = (m[0] * lr + m[1] * lg) + m[2] * lb;
-        const double Y = (m[3] * lr + m[4] * lg) + m[5] * lb;
-        const double Z = (m[6] * lr + m[7] * lg) + m[8] * lb;
-        double fx, fy, fz;
-        if (FastF(s, X * f.scale[0], &fx) && FastF(s, Y * f.scale[1], &fy) && FastF(s, Z * f.scale[2], &fz)) {
-            const double Lv = 116.0 * fy - 16.0, av = 500.0 * (fx - fy), bv = 200.0 * (fy - fz);
-            if (!NearStep(Lv) && !NearStep(av) && !NearStep(bv)) {
-                StoreLab(fx, fy, fz, dst);
-                continue;
-            }
-        }
-        ForwardLabPixel(f, R, G, B, dst);
-    }
 }
 
 int EncodeGammaExact(double v, double exponent) noexcept { return CodeOf(v, exponent); }

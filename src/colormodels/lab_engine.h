@@ -3,16 +3,18 @@
 // so one exact pixel routine and one fast row routine serve both.
 //
 // Exactness: every fast path computes the same double terms as the written
-// formula (per-byte tables of exact products, sums in the written order) and
-// replaces only the costly functions: cube roots by a seeded Newton
-// iteration with a known error far below kTruncMargin, and the 0.45 power
-// by a search over the exact decision thresholds of the final code value.
-// A pixel whose result lies within the margin of a truncation step is
-// recomputed by the literal formula.
+// formula (per-byte tables of exact values, sums in the written order) and
+// replaces only the costly functions: cube roots by a seeded iteration with
+// a known error far below the margin it is checked against, and the 0.45
+// power by the exact decision thresholds of the final code value. A pixel
+// whose result lies within the margin of a truncation step is recomputed by
+// the literal formula.
 #pragma once
 
 #include <bit>
 #include <cstdint>
+
+#include "colormodels/lab_lanes.h"
 
 namespace kt::color {
 
@@ -75,6 +77,9 @@ int EncodeGammaExact(double v, double exponent) noexcept;
 
 // Rows: `rIndex` is the byte of red in an RGB pixel (0 or 2).
 void ForwardLabRow(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width, int rIndex) noexcept;
+// The same with a chosen instruction-set variant (tests run each).
+void ForwardLabRowWith(lanes::Isa isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width,
+                       int rIndex) noexcept;
 
 // Lab to RGB rows, with an encoder choosing the code of each linear value.
 template <class Encoder>
