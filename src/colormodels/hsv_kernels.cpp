@@ -101,6 +101,15 @@ constexpr int Code(int r, int g, int b) { return r | g << 2 | b << 4; }
 constexpr std::int8_t kSectorCodes[16] = {Code(kV, kT, kP), Code(kQ, kV, kP), Code(kP, kV, kT), Code(kP, kQ, kV),
                                           Code(kT, kP, kV), Code(kV, kP, kQ), Code(kV, kT, kP)};
 
+// hue x 255 / 360 for hues 0 to 359 as a product, checked on all of them.
+constexpr int kToByteMagic = 46422, kToByteShift = 16;
+constexpr bool HueMagicHolds() {
+    for (int hue = 0; hue < kDegrees; ++hue)
+        if (((hue * kToByteMagic) >> kToByteShift) != hue * 255 / kDegrees) return false;
+    return true;
+}
+static_assert(HueMagicHolds());
+
 #pragma GCC push_options
 #pragma GCC target("avx2")
 // Picks v, q, p or t by the two code bits at bit (moved to the sign bits).
@@ -139,6 +148,40 @@ int ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
         avx2::StoreClamped(m, to, st.raw, out[0], out[1], out[2]);
     });
 }
+// The forward row's quotients are Quot's exact single-precision divisions,
+// its branches blends.
+[[gnu::always_inline]] inline __m256i Quotient(__m256i a, __m256i c) {
+    return _mm256_cvttps_epi32(_mm256_div_ps(_mm256_cvtepi32_ps(a), _mm256_cvtepi32_ps(c)));
+}
+
+template <class O>
+int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    const __m256i one = _mm256_set1_epi32(1);
+    return avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+        const avx2::Step st = avx2::Load(m, from);
+        const __m256i r = st.c[O::r], g = st.c[O::g], b = st.c[O::b];
+        const __m256i mx = _mm256_max_epi32(r, _mm256_max_epi32(g, b));
+        const __m256i mn = _mm256_min_epi32(r, _mm256_min_epi32(g, b));
+        const __m256i delta = _mm256_sub_epi32(mx, mn);
+        // MulDiv(delta, 255, mx), 0 when mx is 0.
+        const __m256i scaled = _mm256_sub_epi32(_mm256_slli_epi32(delta, 8), delta);
+        const __m256i sat = Quotient(_mm256_add_epi32(scaled, _mm256_srli_epi32(mx, 1)), _mm256_max_epi32(mx, one));
+        const __m256i isR = _mm256_cmpeq_epi32(mx, r);
+        const __m256i isG = _mm256_andnot_si256(isR, _mm256_cmpeq_epi32(mx, g));
+        __m256i num = _mm256_blendv_epi8(_mm256_sub_epi32(r, g), _mm256_sub_epi32(b, r), isG);
+        num = _mm256_blendv_epi8(num, _mm256_sub_epi32(g, b), isR);
+        __m256i base = _mm256_blendv_epi8(_mm256_set1_epi32(4 * kSextant), _mm256_set1_epi32(2 * kSextant), isG);
+        base = _mm256_andnot_si256(isR, base);
+        // MulDiv(num, 60, delta) with the sign of num.
+        const __m256i mag = _mm256_mullo_epi32(_mm256_abs_epi32(num), _mm256_set1_epi32(kSextant));
+        const __m256i part = Quotient(_mm256_add_epi32(mag, _mm256_srli_epi32(delta, 1)), _mm256_max_epi32(delta, one));
+        __m256i hue = _mm256_add_epi32(base, _mm256_sign_epi32(part, num));
+        hue = _mm256_add_epi32(hue, _mm256_and_si256(_mm256_srai_epi32(hue, 31), _mm256_set1_epi32(kDegrees)));
+        const __m256i h = _mm256_srli_epi32(_mm256_mullo_epi32(hue, _mm256_set1_epi32(kToByteMagic)), kToByteShift);
+        const __m256i hb = _mm256_andnot_si256(_mm256_cmpeq_epi32(sat, _mm256_setzero_si256()), h);
+        avx2::StoreClamped(m, to, st.raw, hb, sat, mx);
+    });
+}
 #pragma GCC pop_options
 
 // The AVX2 steps where the processor has them, the lane loops for the rest
@@ -157,10 +200,10 @@ KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int he
 
 KT_KERNEL(RgbToHsv) {
     (void)black;
-    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                          [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE {
-                              FromRgbRow(o, s, d, w);
-                          });
+    return WalkSteps(
+        src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return FromRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(HsvToRgb) {
