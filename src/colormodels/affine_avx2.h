@@ -93,19 +93,18 @@ constexpr int kFractionTop = 32 - kShift;
     return _mm256_movemask_ps(_mm256_castsi256_ps(low));
 }
 
-// Converts what it can of an RGB row in steps of eight pixels and returns
-// how many it converted; pixel(in, out) converts one pixel with the double
-// formula.
+// Converts an RGB row in steps of eight pixels; pixel(in, out) converts one
+// pixel with the double formula.
 template <class O, class Pixel>
-[[gnu::always_inline]] inline int FromRgb(const Fixed3& f, const Vectors& v, const std::uint8_t* s, std::uint8_t* d,
+[[gnu::always_inline]] inline void FromRgb(const Fixed3& f, const Vectors& v, const std::uint8_t* s, std::uint8_t* d,
                                           int width, const Pixel& pixel) {
-    return avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+    avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const avx2::Step st = avx2::Load(m, from);
         const __m256i r = st.c[O::r], g = st.c[O::g], b = st.c[O::b];
         const __m256i s0 = Sum(v, 0, r, g, b), s1 = Sum(v, 1, r, g, b), s2 = Sum(v, 2, r, g, b);
         const __m256i c0 = Truncate(f, 0, s0), c1 = Truncate(f, 1, s1), c2 = Truncate(f, 2, s2);
         const int redo = Near(s0, s1, s2);
-        const auto store = [&] {
+        const auto store = [&]() KT_STEP_INLINE {
             if (f.bytes)
                 avx2::StoreClamped(m, to, st.raw, c0, c1, c2);
             else

@@ -122,11 +122,11 @@ static_assert(HueMagicHolds());
 }
 
 template <class O>
-int ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+void ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     const __m256i codes = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kSectorCodes)));
     const __m256 inverse = _mm256_set1_ps(1.0f / static_cast<float>(2 * kSectorScale));
     const __m256i one = _mm256_set1_epi32(1);
-    return avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+    avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const avx2::Step st = avx2::Load(m, from);
         const __m256i sat = st.c[1], v = st.c[2];
         const __m256i h = _mm256_srli_epi32(_mm256_mullo_epi32(st.c[0], _mm256_set1_epi32(kHueMagic)), kHueShift);
@@ -155,9 +155,9 @@ int ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 
 template <class O>
-int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+void FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     const __m256i one = _mm256_set1_epi32(1);
-    return avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+    avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const avx2::Step st = avx2::Load(m, from);
         const __m256i r = st.c[O::r], g = st.c[O::g], b = st.c[O::b];
         const __m256i mx = _mm256_max_epi32(r, _mm256_max_epi32(g, b));
@@ -184,17 +184,12 @@ int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
-// The AVX2 steps where the processor has them, the lane loops for the rest
-// of each row.
+// The AVX2 steps where the processor has them, the lane loops otherwise.
 template <class Vector, class Plain>
 KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
                    int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (!rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [&](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          const int done = vector(o, s, d, w);
-                          plain(o, s + 3 * done, d + 3 * done, w - done);
-                      });
+    if (rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
+    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
 }
 }  // namespace
 
@@ -202,7 +197,7 @@ KT_KERNEL(RgbToHsv) {
     (void)black;
     return WalkSteps(
         src, dst, width, height, srcPad, dstPad, rgbOrder,
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return FromRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
 }
 
@@ -210,7 +205,7 @@ KT_KERNEL(HsvToRgb) {
     (void)black;
     return WalkSteps(
         src, dst, width, height, srcPad, dstPad, rgbOrder,
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return ToRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbRow(o, s, d, w); });
 }
 

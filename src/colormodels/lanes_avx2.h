@@ -1,7 +1,7 @@
 // AVX2 steps over 3-byte pixels, eight at a time: the bytes of each position
 // spread into 32-bit lanes and packed back with byte shuffles. Everything
 // here is compiled for AVX2 only; callers check rows::HasAvx2() first and
-// convert what is left of a row with their plain rows.
+// use their plain rows otherwise.
 #pragma once
 
 #include <immintrin.h>
@@ -103,14 +103,22 @@ inline const Masks& TheMasks() {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
 }
 
-// Runs step(masks, s, d) over the row while a step may, and returns the
-// number of pixels converted.
+// Runs step(masks, s, d) over the whole row: the last pixels, which a step
+// may not reach, go through a zeroed scratch copy. The step must be inlined
+// (KT_STEP_INLINE) so that the masks and constants stay in registers.
+#define KT_STEP_INLINE __attribute__((always_inline))
 template <class F>
-[[gnu::always_inline]] inline int Steps(const std::uint8_t* s, std::uint8_t* d, int width, const F& step) {
+[[gnu::always_inline]] inline void Steps(const std::uint8_t* s, std::uint8_t* d, int width, const F& step) {
     const Masks& m = TheMasks();
     int x = 0;
     for (; x + kStepReach <= width; x += kStep, s += kStepBytes, d += kStepBytes) step(m, s, d);
-    return x;
+    for (; x < width; x += kStep, s += kStepBytes, d += kStepBytes) {
+        const int n = width - x < kStep ? width - x : kStep;
+        alignas(32) std::uint8_t scratch[32] = {};
+        std::memcpy(scratch, s, static_cast<std::size_t>(3 * n));
+        step(m, scratch, scratch);
+        std::memcpy(d, scratch, static_cast<std::size_t>(3 * n));
+    }
 }
 
 // The lane-wise clamp.

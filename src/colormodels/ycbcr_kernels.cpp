@@ -76,9 +76,9 @@ KT_ROW_INLINE void ToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width
 #pragma GCC push_options
 #pragma GCC target("avx2")
 template <class O>
-int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+void FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     static const affine::Vectors vectors{kFromRgbFixed};
-    return affine::FromRgb<O>(kFromRgbFixed, vectors, s, d, width,
+    affine::FromRgb<O>(kFromRgbFixed, vectors, s, d, width,
                               [](const std::uint8_t* in, std::uint8_t* out) { FromRgbPixel<O>(in, out); });
 }
 
@@ -87,8 +87,8 @@ int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 
 template <class O>
-int ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    return avx2::Steps(s, d, width, [](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+void ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    avx2::Steps(s, d, width, [](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const avx2::Step st = avx2::Load(m, from);
         const __m256i y = st.c[0];
         const __m256i cb = _mm256_srai_epi32(_mm256_slli_epi32(st.c[1], 24), 24);
@@ -104,17 +104,12 @@ int ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
-// The AVX2 steps where the processor has them, the lane loops for the rest
-// of each row.
+// The AVX2 steps where the processor has them, the lane loops otherwise.
 template <class Vector, class Plain>
 KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
                    int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (!rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [&](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          const int done = vector(o, s, d, w);
-                          plain(o, s + 3 * done, d + 3 * done, w - done);
-                      });
+    if (rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
+    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
 }
 }  // namespace
 
@@ -122,7 +117,7 @@ KT_KERNEL(RgbToYcbcr) {
     (void)black;
     return WalkSteps(
         src, dst, width, height, srcPad, dstPad, rgbOrder,
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return FromRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
 }
 
@@ -130,7 +125,7 @@ KT_KERNEL(YcbcrToRgb) {
     (void)black;
     return WalkSteps(
         src, dst, width, height, srcPad, dstPad, rgbOrder,
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return ToRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbRow(o, s, d, w); });
 }
 

@@ -153,16 +153,16 @@ static_assert(MagicHolds());
 #pragma GCC push_options
 #pragma GCC target("avx2")
 template <class O, const affine::Fixed3& F, void (*P)(const std::uint8_t*, std::uint8_t*)>
-int FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+void FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     static const affine::Vectors vectors{F};
-    return affine::FromRgb<O>(F, vectors, s, d, width, [](const std::uint8_t* in, std::uint8_t* out) { P(in, out); });
+    affine::FromRgb<O>(F, vectors, s, d, width, [](const std::uint8_t* in, std::uint8_t* out) { P(in, out); });
 }
 
 // Sixteen-bit pairs (-u, -v) in each 32-bit lane feed multiply-adds; a
 // coefficient beyond 16 bits is taken less 65536 and the missing 65536 x
 // operand added back from the pair itself.
 template <class O>
-int YuvToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+void YuvToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     alignas(32) static const std::int8_t pairMask[32] = {1, -1, 2, -1, 4, -1, 5, -1, 7, -1, 8, -1, 10, -1, 11, -1,
                                                          1, -1, 2, -1, 4, -1, 5, -1, 7, -1, 8, -1, 10, -1, 11, -1};
     const __m256i pairs = _mm256_load_si256(reinterpret_cast<const __m256i*>(pairMask));
@@ -171,7 +171,7 @@ int YuvToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     const __m256i green = _mm256_set1_epi32((-12943 & 0xFFFF) | (-18940 << 16));
     const __m256i red = _mm256_set1_epi32((-29 & 0xFFFF) | ((37221 - 65536) << 16));
     const __m256i blue = _mm256_set1_epi32((66883 - 65536) | (-33 << 16));
-    return avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) {
+    avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
         const __m128i hi = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 12));
         const __m256i raw = _mm256_inserti128_si256(_mm256_castsi128_si256(lo), hi, 1);
@@ -192,17 +192,12 @@ int YuvToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
-// The AVX2 steps where the processor has them, the plain rows for the rest
-// of each row.
+// The AVX2 steps where the processor has them, the lane loops otherwise.
 template <class Vector, class Plain>
 KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
                    int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (!rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [&](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          const int done = vector(o, s, d, w);
-                          plain(o, s + 3 * done, d + 3 * done, w - done);
-                      });
+    if (rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
+    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
 }
 }  // namespace
 
@@ -212,7 +207,7 @@ KT_KERNEL(RgbToYuv) {
         src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             using O = decltype(o);
-            return FromRgbAvx2<O, kYuvFixed, Pixel<O, Luma, YuvU, YuvV>>(s, d, w);
+            FromRgbAvx2<O, kYuvFixed, Pixel<O, Luma, YuvU, YuvV>>(s, d, w);
         },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYuvRow(o, s, d, w); });
 }
@@ -221,7 +216,7 @@ KT_KERNEL(YuvToRgb) {
     (void)black;
     return WalkSteps(
         src, dst, width, height, srcPad, dstPad, rgbOrder,
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return YuvToRgbAvx2<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YuvToRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YuvToRgbRow(o, s, d, w); });
 }
 
@@ -231,7 +226,7 @@ KT_KERNEL(RgbToYiq) {
         src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             using O = decltype(o);
-            return FromRgbAvx2<O, kYiqFixed, Pixel<O, YiqY, YiqI, YiqQ>>(s, d, w);
+            FromRgbAvx2<O, kYiqFixed, Pixel<O, YiqY, YiqI, YiqQ>>(s, d, w);
         },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYiqRow(o, s, d, w); });
 }
