@@ -42,7 +42,10 @@ inline Px4 RgbToCmyk(int r, int g, int b, int p) {
     const int k = std::min({c, m, y});
     const int s = std::min({r, g, b}) + k;
     const int u = Trunc(std::pow(s / 255.0, 2) * (k / 255.0) * std::pow(f, 5) * 255);
-    return {B(c - u), B(m - u), B(y - u), B(Trunc(k * f))};
+    // The subtraction wraps like the 32-bit machine arithmetic it stands
+    // for (u is INT_MIN once the product leaves the int range).
+    auto sub = [](int a, int b) { return static_cast<int>(static_cast<unsigned>(a) - static_cast<unsigned>(b)); };
+    return {B(sub(c, u)), B(sub(m, u)), B(sub(y, u)), B(Trunc(k * f))};
 }
 
 inline std::uint16_t RampEntry(int i) { return static_cast<std::uint16_t>(Trunc(std::pow(i / 255.0, 2) * 256)); }
