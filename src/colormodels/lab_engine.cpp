@@ -76,6 +76,11 @@ void BuildGammaEncoder(GammaEncoder* e, double exponent) noexcept {
         int c = 0;
         while (c < 255 && e->threshold[c + 1] <= lo) ++c;
         e->start[i] = static_cast<std::uint8_t>(c);
+        const std::uint64_t from = (base + i) << (52 - GammaEncoder::kSegmentBits);
+        const double next = e->threshold[c + 1];
+        const std::uint64_t offset = next < INFINITY ? std::bit_cast<std::uint64_t>(next) - from : GammaEncoder::kSegmentSpan;
+        e->lane[i] = (static_cast<std::uint64_t>(c) << GammaEncoder::kLaneCodeShift) |
+                     (offset < GammaEncoder::kSegmentSpan ? offset : GammaEncoder::kSegmentSpan);
     }
 }
 

@@ -41,6 +41,13 @@ struct GammaEncoder {
     static constexpr int kSegments = (-kFirstBinade) << kSegmentBits;
     double threshold[257];  // [c]: smallest v coding to c or more; [256] = inf
     std::uint8_t start[kSegments + 1];  // the last entry: v = 1
+    // Per segment, for lane loops: the segment's first code above bit
+    // kLaneCodeShift, and below it where the next threshold lies, as an
+    // offset in the bits of v from the segment's start (kSegmentSpan when
+    // past the segment). Positive doubles order like their bits.
+    static constexpr int kLaneCodeShift = 46;
+    static constexpr std::uint64_t kSegmentSpan = std::uint64_t{1} << (52 - kSegmentBits);
+    std::uint64_t lane[kSegments + 1];
     double exponent;
 
     int Encode(double v) const noexcept {
@@ -55,16 +62,24 @@ struct GammaEncoder {
         return c;
     }
 
-    // The same without branches, for vectorized loops: 2^-21 stands for
-    // anything below it (code 0) and 1 for anything above. Over one segment
-    // the code rises by at most 255 x 0.45 x 2^-7 < 1, so one step suffices.
-    int EncodeLane(double v) const noexcept {
+    // The same without branches, for lane loops: 2^-21 stands for anything
+    // below it (code 0) and 1 for anything above. Over one segment the code
+    // rises by at most 255 x 0.45 x 2^-7 < 1, so one comparison with the
+    // segment's next threshold suffices; one load per value.
+    int EncodeLane(double v) const noexcept { return EncodeLane(lane, v); }
+
+    // The same on the lane table alone (lane loops keep its address in a
+    // local, so that the vectorizer sees plain array loads).
+    static int EncodeLane(const std::uint64_t* lane, double v) noexcept {
         constexpr double kSmall = 0x1p-21;
-        constexpr std::int64_t base = static_cast<std::int64_t>(1023 + kFirstBinade) << kSegmentBits;
-        v = v > kSmall ? v : kSmall;
-        v = v < 1.0 ? v : 1.0;
-        const int c = start[(std::bit_cast<std::int64_t>(v) >> (52 - kSegmentBits)) - base];
-        return c + (v >= threshold[c + 1]);
+        constexpr int base = (1023 + kFirstBinade) << kSegmentBits;
+        v = lanes::Select(v > kSmall, v, kSmall);
+        v = lanes::Select(v < 1.0, v, 1.0);
+        const std::uint64_t bits = std::bit_cast<std::uint64_t>(v);
+        // A 32-bit index, which the vectorizer can turn into lane loads.
+        const std::uint64_t e = lane[static_cast<int>(bits >> (52 - kSegmentBits)) - base];
+        return static_cast<int>(e >> kLaneCodeShift) +
+               static_cast<int>((bits & (kSegmentSpan - 1)) >= (e & ((std::uint64_t{1} << kLaneCodeShift) - 1)));
     }
 };
 
@@ -85,6 +100,11 @@ void ForwardLabRowWith(lanes::Isa isa, const ForwardLab& f, const std::uint8_t* 
 template <class Encoder>
 void InverseLabRow(const InverseLab& inv, const Encoder& enc, const std::uint8_t* src, std::uint8_t* dst, int width,
                    int rIndex) noexcept;
+
+// Lab to RGB rows in lane loops with an exact threshold encoder; the same
+// results as InverseLabRow with that encoder.
+void InverseLabLanesWith(lanes::Isa isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
+                         std::uint8_t* dst, int width, int rIndex) noexcept;
 
 // The per-byte inputs of the inverse formula, the same for every table.
 struct InverseInputs {

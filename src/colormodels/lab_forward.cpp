@@ -52,19 +52,12 @@ KT_ROW_INLINE double FastCbrt(double t) {
     return t * (r * r);
 }
 
-// cond ? a : b on the bits, which the vectorizer takes where a nested
-// choice between doubles would stop it.
-KT_ROW_INLINE double Select(bool cond, double a, double b) {
-    const std::int64_t mask = -static_cast<std::int64_t>(cond);
-    return std::bit_cast<double>((std::bit_cast<std::int64_t>(a) & mask) | (std::bit_cast<std::int64_t>(b) & ~mask));
-}
-
 // f(t) without branches: both sides computed.
 KT_ROW_INLINE double FastF(double t) {
-    const double c = Select(t < kRootHigh, Select(t > kRootLow, t, kRootLow), kRootHigh);
+    const double c = lanes::Select(t < kRootHigh, lanes::Select(t > kRootLow, t, kRootLow), kRootHigh);
     const double root = FastCbrt(c);
     const double line = kSlope * t + kOffset;
-    return Select(t > kLinearLimit, root, line);
+    return lanes::Select(t > kLinearLimit, root, line);
 }
 
 // t the fast path serves (not-a-number fails).
@@ -114,8 +107,8 @@ KT_ROW_INLINE void ForwardChunks(const ForwardLab& f, const std::uint8_t* src, s
                 bad[i] |= ok ^ 1;
                 // Rejected lanes' t, not-a-number included, is limited to
                 // -1..2 so that every lane's values stay small.
-                const double v = Select(t[c][i] > kRangeLow, t[c][i], kRangeLow);
-                fv[c][i] = FastF(Select(v < kRangeHigh, v, kRangeHigh));
+                const double v = lanes::Select(t[c][i] > kRangeLow, t[c][i], kRangeLow);
+                fv[c][i] = FastF(lanes::Select(v < kRangeHigh, v, kRangeHigh));
             }
         for (int i = 0; i < kChunk; ++i) {
             const double fx = fv[0][i], fy = fv[1][i], fz = fv[2][i];

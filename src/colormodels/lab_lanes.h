@@ -5,6 +5,9 @@
 // (AVX-512 would otherwise allow them).
 #pragma once
 
+#include <bit>
+#include <cstdint>
+
 #include "colormodels/kernel_rows.h"
 
 namespace kt::color::lanes {
@@ -25,6 +28,14 @@ inline Isa BestIsa() noexcept {
 inline Isa Usable(Isa wanted) noexcept {
     const Isa best = BestIsa();
     return static_cast<int>(wanted) < static_cast<int>(best) ? wanted : best;
+}
+
+// cond ? a : b on the bits. The vectorizer takes it where a choice between
+// doubles would stop it (a choice that makes one side a constant invites
+// the compiler to branch around the other side).
+KT_ROW_INLINE double Select(bool cond, double a, double b) {
+    const std::int64_t mask = -static_cast<std::int64_t>(cond);
+    return std::bit_cast<double>((std::bit_cast<std::int64_t>(a) & mask) | (std::bit_cast<std::int64_t>(b) & ~mask));
 }
 
 }  // namespace kt::color::lanes

@@ -71,30 +71,6 @@ KT_ROW_INLINE void XyzRow(O, const std::uint8_t* s, std::uint8_t* d, int width) 
     });
 }
 
-// Lab to RGB a chunk at a time: the formula's doubles in loops the compiler
-// vectorizes, the codes from the exact thresholds.
-template <class O>
-KT_ROW_INLINE void LabToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width, const FormulaLab& f) noexcept {
-    const InverseInputs& in = InverseLabInputs();
-    const double* m = f.inverse.matrix;
-    const double* k = f.inverse.factor;
-    rows::Chunked<3, 3>(s, d, width, [&](const rows::Lanes* lab, rows::Lanes* out) KT_LAMBDA_INLINE {
-        alignas(32) double linear[3][rows::kChunk];
-        for (int i = 0; i < rows::kChunk; ++i) {
-            const double fy = in.fy[lab[0][i]];
-            const double fx = in.aTerm[lab[1][i]] + fy;
-            const double fz = fy - in.bTerm[lab[2][i]];
-            const double X = InverseCompand(fx) * k[0], Y = InverseCompand(fy) * k[1], Z = InverseCompand(fz) * k[2];
-            linear[0][i] = (m[0] * X + m[1] * Y) + m[2] * Z;
-            linear[1][i] = (m[3] * X + m[4] * Y) + m[5] * Z;
-            linear[2][i] = (m[6] * X + m[7] * Y) + m[8] * Z;
-        }
-        constexpr int to[3] = {O::r, O::g, O::b};
-        for (int c = 0; c < 3; ++c)
-            for (int i = 0; i < rows::kChunk; ++i) out[to[c]][i] = f.encoder.EncodeLane(linear[c][i]);
-    });
-}
-
 }  // namespace
 
 void LabPixelToRgb(int a, int b, int L, std::uint8_t* r, std::uint8_t* g, std::uint8_t* bl) noexcept {
@@ -121,9 +97,10 @@ KT_KERNEL(RgbToLab) {
 KT_KERNEL(LabToRgb) {
     (void)black;
     const FormulaLab& f = Formula();
-    return rows::WalkFast(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                          [&f](auto o, const std::uint8_t* s, std::uint8_t* d, int w)
-                              KT_LAMBDA_INLINE { LabToRgbRow(o, s, d, w, f); });
+    return rows::Walk(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
+                      [&f](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+                          InverseLabLanesWith(lanes::BestIsa(), f.inverse, f.encoder, s, d, w, decltype(o)::r);
+                      });
 }
 
 KT_KERNEL(RgbToXyz) {
