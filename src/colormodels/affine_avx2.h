@@ -25,29 +25,30 @@ struct Channel {
 
 constexpr int Fixed(double c) { return static_cast<int>(c * kScale + (c < 0 ? -0.5 : 0.5)); }
 
-// The three channels of a pixel as fixed-point integers, the window added
-// to the offset: away from whole numbers that changes no floor. A channel
-// whose sums cannot leave [lo, hi] needs no clamp, and one whose sums cannot
-// be negative no correction of the floor towards zero.
+// The three channels of a pixel as fixed-point integers. Every channel spans
+// 256 values, lo to lo + 255, and its sum is biased by -lo so that the
+// saturating packs clamp it; the bias is flipped back in the stored byte
+// (lo is 0 or -128). The window is added to the offset as well: away from
+// whole numbers that changes no floor.
 struct Fixed3 {
     int c[3][4];
-    int lo[3], hi[3];
-    bool clamp[3], negative[3];
-    bool bytes = true;  // every channel clamped to 0..255: the packs clamp
-    constexpr explicit Fixed3(const Channel (&ch)[3]) : c{}, lo{}, hi{}, clamp{}, negative{} {
+    int bias[3];        // -lo, in whole numbers
+    bool negative[3];   // sums below 0 occur: truncation is the floor plus 1
+    bool flip = false;  // some channel is stored as a signed byte
+    bool bytes = true;  // every channel spans a byte, unsigned or signed
+    constexpr explicit Fixed3(const Channel (&ch)[3]) : c{}, bias{}, negative{} {
         for (int k = 0; k < 3; ++k) {
             const double co[3] = {ch[k].cr, ch[k].cg, ch[k].cb};
-            double least = ch[k].offset, most = ch[k].offset;
+            double least = ch[k].offset;
             for (int j = 0; j < 3; ++j) {
                 c[k][j] = Fixed(co[j]);
-                (co[j] < 0 ? least : most) += 255.0 * co[j];
+                if (co[j] < 0) least += 255.0 * co[j];
             }
-            c[k][3] = Fixed(ch[k].offset) + kNear;
-            lo[k] = ch[k].lo;
-            hi[k] = ch[k].hi;
-            negative[k] = least < 0;
-            clamp[k] = least < ch[k].lo || most >= ch[k].hi + 1;
-            bytes = bytes && ch[k].lo == 0 && ch[k].hi == 255;
+            bias[k] = -ch[k].lo;
+            c[k][3] = Fixed(ch[k].offset) + kNear + (bias[k] << kShift);
+            negative[k] = least < 0 && ch[k].lo < 0;
+            flip = flip || bias[k] != 0;
+            bytes = bytes && ch[k].hi - ch[k].lo == 255 && (bias[k] == 0 || bias[k] == 128);
         }
     }
 };
@@ -60,27 +61,33 @@ struct Fixed3 {
 namespace kt::color::affine {
 
 // The broadcast coefficients, kept in memory so that the steps read them as
-// operands.
+// operands, and the sign flips of the stored bytes.
 struct Vectors {
     __m256i c[3][4];
+    __m256i zero[3];  // the biased sum of 0
+    __m256i flip;
     explicit Vectors(const Fixed3& f) {
-        for (int k = 0; k < 3; ++k)
+        for (int k = 0; k < 3; ++k) {
             for (int j = 0; j < 4; ++j) c[k][j] = _mm256_set1_epi32(f.c[k][j]);
+            zero[k] = _mm256_set1_epi32(f.bias[k] << kShift);
+        }
+        alignas(32) std::uint8_t bytes[32] = {};
+        for (int j = 0; j < 12; ++j) bytes[j] = bytes[16 + j] = f.bias[j % 3] != 0 ? 0x80 : 0;
+        flip = _mm256_load_si256(reinterpret_cast<const __m256i*>(bytes));
     }
 };
 
-// The fixed-point sum of one channel of eight pixels.
+// The biased fixed-point sum of one channel of eight pixels.
 [[gnu::always_inline]] inline __m256i Sum(const Vectors& v, int k, __m256i r, __m256i g, __m256i b) {
     const __m256i s = _mm256_add_epi32(_mm256_mullo_epi32(r, v.c[k][0]), _mm256_mullo_epi32(g, v.c[k][1]));
     return _mm256_add_epi32(s, _mm256_add_epi32(_mm256_mullo_epi32(b, v.c[k][2]), v.c[k][3]));
 }
 
-// Its truncation: away from whole numbers the floor, plus one for a
+// Its truncation, biased: away from whole numbers the floor, plus one for a
 // negative sum.
-[[gnu::always_inline]] inline __m256i Truncate(const Fixed3& f, int k, __m256i s) {
-    __m256i t = _mm256_srai_epi32(s, kShift);
-    if (f.negative[k] && f.lo[k] < 0) t = _mm256_sub_epi32(t, _mm256_srai_epi32(s, 31));
-    return f.clamp[k] && !f.bytes ? avx2::Clamp(t, f.lo[k], f.hi[k]) : t;
+[[gnu::always_inline]] inline __m256i Truncate(const Fixed3& f, const Vectors& v, int k, __m256i s) {
+    const __m256i t = _mm256_srai_epi32(s, kShift);
+    return f.negative[k] ? _mm256_sub_epi32(t, _mm256_cmpgt_epi32(v.zero[k], s)) : t;
 }
 
 // Lanes with a sum within the window of a whole number: the fraction bits
@@ -102,13 +109,10 @@ template <class O, class Pixel>
         const avx2::Step st = avx2::Load(m, from);
         const __m256i r = st.c[O::r], g = st.c[O::g], b = st.c[O::b];
         const __m256i s0 = Sum(v, 0, r, g, b), s1 = Sum(v, 1, r, g, b), s2 = Sum(v, 2, r, g, b);
-        const __m256i c0 = Truncate(f, 0, s0), c1 = Truncate(f, 1, s1), c2 = Truncate(f, 2, s2);
+        const __m256i c0 = Truncate(f, v, 0, s0), c1 = Truncate(f, v, 1, s1), c2 = Truncate(f, v, 2, s2);
         const int redo = Near(s0, s1, s2);
         const auto store = [&]() KT_STEP_INLINE {
-            if (f.bytes)
-                avx2::StoreClamped(m, to, st.raw, c0, c1, c2);
-            else
-                avx2::Store(m, to, st.raw, c0, c1, c2);
+            avx2::StoreClamped(m, to, st.raw, c0, c1, c2, f.flip ? v.flip : _mm256_setzero_si256());
         };
         if (redo == 0) {
             store();

@@ -93,12 +93,13 @@ inline const Masks& TheMasks() {
 }
 
 // Store for lanes that are clamped to 0..255 on the way: the saturating
-// packs do the clamping.
+// packs do the clamping. The stored bytes are xor-ed with flip.
 [[gnu::always_inline]] inline void StoreClamped(const Masks& m, std::uint8_t* d, const __m256i raw, __m256i c0,
-                                                __m256i c1, __m256i c2) {
+                                                __m256i c1, __m256i c2, __m256i flip = _mm256_setzero_si256()) {
     const __m256i words = _mm256_packs_epi32(c0, c1);
     __m256i v = _mm256_packus_epi16(words, _mm256_packs_epi32(c2, c2));
-    v = _mm256_or_si256(_mm256_shuffle_epi8(v, m.interleave), _mm256_and_si256(raw, m.spare));
+    v = _mm256_xor_si256(_mm256_shuffle_epi8(v, m.interleave), flip);
+    v = _mm256_or_si256(v, _mm256_and_si256(raw, m.spare));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
 }

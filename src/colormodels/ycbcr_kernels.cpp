@@ -46,6 +46,7 @@ constexpr affine::Channel kChannels[3] = {
     {0.5, -0.41869, -0.08131, 0.0, -128, 127},
 };
 constexpr affine::Fixed3 kFromRgbFixed{kChannels};
+static_assert(kFromRgbFixed.bytes);
 
 // The inverse in integers. Every double sum Y + c x Cb (+ c' x Cr) truncates
 // after clamping to Y plus the floor of the chroma terms alone, and with

@@ -72,12 +72,14 @@ constexpr affine::Channel kYuvChannels[3] = {
     {0.617 * kFull / kVSpan, -0.517 * kFull / kVSpan, -0.1 * kFull / kVSpan, kVOffset * kFull / kVSpan + 0.5, 0, 255},
 };
 constexpr affine::Fixed3 kYuvFixed{kYuvChannels};
+static_assert(kYuvFixed.bytes);
 constexpr affine::Channel kYiqChannels[3] = {
     {0.299 * kFull / kYiqYSpan, 0.587 * kFull / kYiqYSpan, 0.114 * kFull / kYiqYSpan, 0.5, 0, 255},
     {0.596 * kFull / kISpan, -0.274 * kFull / kISpan, -0.322 * kFull / kISpan, kIOffset * kFull / kISpan + 0.5, 0, 255},
     {0.212 * kFull / kQSpan, -0.523 * kFull / kQSpan, 0.311 * kFull / kQSpan, kQOffset * kFull / kQSpan + 0.5, 0, 255},
 };
 constexpr affine::Fixed3 kYiqFixed{kYiqChannels};
+static_assert(kYiqFixed.bytes);
 
 // Fixed-point inverse, 15 fractional bits; the constants hold the offsets.
 constexpr int kYuvShift = 15;
