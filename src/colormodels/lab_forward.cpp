@@ -24,10 +24,8 @@ constexpr double kSlope = 7.7867;
 constexpr double kOffset = 0.13793103448275862;  // 16 / 116
 constexpr double kTruncMargin = 1e-5;
 constexpr double kLimitMargin = 1e-9;
-constexpr double kRangeLow = -1.0;  // the fast range of t: -1 < t < 2
-constexpr double kRangeHigh = 2.0;
-constexpr double kRangeMiddle = (kRangeLow + kRangeHigh) / 2;
-constexpr double kRangeHalf = (kRangeHigh - kRangeLow) / 2;
+constexpr double kRangeMiddle = 0.5;  // the fast range of t: -1 < t < 2
+constexpr double kRangeHalf = 1.5;
 
 // The inverse cube root's seed from the bits of a float: the exponent and
 // mantissa divided by three and subtracted from a constant (within 3.5% for
@@ -38,9 +36,10 @@ constexpr float kThirdFloat = 1.0f / 3.0f;
 constexpr double kThird = 1.0 / 3.0;
 constexpr double kTwoNinths = 2.0 / 9.0;
 constexpr int kCbrtSteps = 2;
-constexpr double kRootLow = 0x1p-7;  // the root's argument is kept in [2^-7, 2]
-constexpr double kRootHigh = 2.0;
 
+// For -1 < t < 2 (the root is used only above kLinearLimit; below it the
+// value is meaningless but finite or not-a-number, without traps, and every
+// conversion stays in range).
 KT_ROW_INLINE double FastCbrt(double t) {
     const float tf = static_cast<float>(t);
     const float third = static_cast<float>(std::bit_cast<std::int32_t>(tf)) * kThirdFloat;
@@ -54,8 +53,7 @@ KT_ROW_INLINE double FastCbrt(double t) {
 
 // f(t) without branches: both sides computed.
 KT_ROW_INLINE double FastF(double t) {
-    const double c = lanes::Select(t < kRootHigh, lanes::Select(t > kRootLow, t, kRootLow), kRootHigh);
-    const double root = FastCbrt(c);
+    const double root = FastCbrt(t);
     const double line = kSlope * t + kOffset;
     return lanes::Select(t > kLinearLimit, root, line);
 }
@@ -105,10 +103,9 @@ KT_ROW_INLINE void ForwardChunks(const ForwardLab& f, const std::uint8_t* src, s
             for (int i = 0; i < kChunk; ++i) {
                 const int ok = InFastRange(t[c][i]);
                 bad[i] |= ok ^ 1;
-                // Rejected lanes' t, not-a-number included, is limited to
-                // -1..2 so that every lane's values stay small.
-                const double v = lanes::Select(t[c][i] > kRangeLow, t[c][i], kRangeLow);
-                fv[c][i] = FastF(lanes::Select(v < kRangeHigh, v, kRangeHigh));
+                // Rejected lanes (not-a-number included) go on with t = 0,
+                // so that every lane's values stay small.
+                fv[c][i] = FastF(lanes::Select(ok, t[c][i], 0.0));
             }
         for (int i = 0; i < kChunk; ++i) {
             const double fx = fv[0][i], fy = fv[1][i], fz = fv[2][i];
