@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <lcms2.h>
 
+#include <cstdlib>
 #include <map>
 
 #include "convert/icc_format.h"
@@ -185,8 +186,9 @@ TEST(EmbeddedProfile, PressAndLabBehaveSensibly) {
     EXPECT_LE(out[3] + out[4] + out[5], 100);  // full ink is near black
     EXPECT_LT(out[6], out[7]);                 // cyan takes red away
     // Through the Lab profile and back is the identity, give or take
-    // lcms2's rounding; the device side's a and b are signed, so only the
-    // extremes next to the wrap at +-128 are left out.
+    // lcms2's rounding, between the two encodings: the device side reads a
+    // and b as signed bytes and writes the ICC encoding (a + 128). Only the
+    // extremes next to the signed wrap at +-128 are left out.
     Direct identity({&lab, &lab}, TYPE_Lab_8, TYPE_Lab_8);
     ASSERT_TRUE(identity.ok());
     const Bytes in = SamplePixels(3, 4096);
@@ -194,7 +196,8 @@ TEST(EmbeddedProfile, PressAndLabBehaveSensibly) {
     auto nearWrap = [](std::uint8_t v) { return v >= 120 && v <= 136; };
     for (std::size_t i = 0; i < in.size(); i += 3) {
         if (nearWrap(in[i + 1]) || nearWrap(in[i + 2])) continue;
-        for (std::size_t c = 0; c < 3; ++c) ASSERT_NEAR(same[i + c], in[i + c], 1) << i;
+        ASSERT_NEAR(same[i], in[i], 1) << i;
+        for (std::size_t c = 1; c < 3; ++c) ASSERT_NEAR(same[i + c], (in[i + c] + 128) & 255, 1) << i;
     }
     // Device Lab is the library's pixel: a neutral source reads as grey.
     Direct toDisplay({&lab, &rgb}, TYPE_Lab_8, TYPE_RGB_8);
@@ -265,11 +268,20 @@ TEST(IccMethod, RowsWithPaddingAndNeutralLab) {
     ConversionParams p = Params(METHOD_ICC);
     Handle h;
     ASSERT_EQ(Vx_ClrInit(&h.h, CS_RGB, CS_LAB, &p), STATUS_OK);
-    // A neutral grey has a = b = 0, stored as 128.
-    std::uint8_t grey[3] = {128, 128, 128}, lab[3] = {};
-    ASSERT_EQ(Vx_ClrConvert(h.h, grey, lab, 1, 1, 0, 0), STATUS_OK);
-    EXPECT_EQ(lab[1], 128);
-    EXPECT_EQ(lab[2], 128);
+    // The transform writes the ICC encoding (a + 128) and the frame's +128
+    // turns it into the Lab pixel's signed bytes: a neutral grey is 0, 0,
+    // as the built-in formulas write it, and colors near grey stay near 0
+    // (no wrap inside the transform for lcms2 to interpolate across).
+    for (int v = 0; v < 256; v += 3) {
+        std::uint8_t grey[3] = {std::uint8_t(v), std::uint8_t(v), std::uint8_t(v)}, lab[3] = {};
+        ASSERT_EQ(Vx_ClrConvert(h.h, grey, lab, 1, 1, 0, 0), STATUS_OK);
+        EXPECT_LE(std::abs(static_cast<std::int8_t>(lab[1])), 1) << v;
+        EXPECT_LE(std::abs(static_cast<std::int8_t>(lab[2])), 1) << v;
+        std::uint8_t tinted[3] = {std::uint8_t(v), std::uint8_t(v), std::uint8_t(v > 2 ? v - 2 : v + 2)};
+        ASSERT_EQ(Vx_ClrConvert(h.h, tinted, lab, 1, 1, 0, 0), STATUS_OK);
+        EXPECT_LE(std::abs(static_cast<std::int8_t>(lab[1])), 4) << v;
+        EXPECT_LE(std::abs(static_cast<std::int8_t>(lab[2])), 4) << v;
+    }
 
     // Padded rows convert row by row and leave the padding alone.
     const Bytes rgbp = BuiltinProfile(KTCLR_PROFILE_RGB_DISPLAY), labp = BuiltinProfile(KTCLR_PROFILE_LAB);

@@ -81,18 +81,16 @@ Bytes RgbDisplayProfile() {
 }
 
 // ------------------------------------------------------------ Lab profile
-// Lab to Lab. The device side is the library's Lab pixel: L byte, then a
-// and b as signed bytes (two's complement), so a neutral is written as 0, 0
-// and the conversion frame's +128 stores it as 128, 128. The PCS side is
-// the ICC 8-bit Lab encoding (a + 128). The encodings differ only in the
-// curves; the grid is the identity.
-std::uint8_t kSignedToOffset[256], kOffsetToSigned[256];
+// Lab to Lab. As a source it reads the library's Lab pixel: L byte, then a
+// and b as signed bytes (two's complement); its A2B0 input curves turn those
+// into the ICC 8-bit encoding (a + 128). As a destination its B2A0 writes
+// the ICC encoding unchanged, smooth across a = 0 so that lcms2 may resample
+// the whole transform, and the conversion frame's +128 then stores a and b
+// as the signed bytes of the Lab pixel. The grid is the identity.
+std::uint8_t kSignedToOffset[256];
 
 void FillSignCurves() {
-    for (int i = 0; i < 256; ++i) {
-        kSignedToOffset[i] = std::uint8_t((i + 128) & 255);
-        kOffsetToSigned[i] = std::uint8_t((i + 128) & 255);
-    }
+    for (int i = 0; i < 256; ++i) kSignedToOffset[i] = std::uint8_t((i + 128) & 255);
 }
 
 Bytes LabLut8(bool fromDevice) {
@@ -102,16 +100,15 @@ Bytes LabLut8(bool fromDevice) {
         for (int j = 0; j < kGrid; ++j)
             for (int k = 0; k < kGrid; ++k)
                 for (int v : {i, j, k}) clut.push_back(Clamp8(v * 255.0 / (kGrid - 1)));
-    const std::vector<Curve8> chroma = {nullptr, fromDevice ? kSignedToOffset : kOffsetToSigned,
-                                        fromDevice ? kSignedToOffset : kOffsetToSigned};
-    return fromDevice ? Lut8Element(3, 3, kGrid, clut, chroma, {}) : Lut8Element(3, 3, kGrid, clut, {}, chroma);
+    const std::vector<Curve8> signedIn = {nullptr, kSignedToOffset, kSignedToOffset};
+    return fromDevice ? Lut8Element(3, 3, kGrid, clut, signedIn, {}) : Lut8Element(3, 3, kGrid, clut, {}, {});
 }
 
 Bytes LabProfile() {
     const double d50[3] = {0.9642, 1.0, 0.8249};
     enum { desc, a2b0, b2a0, wtpt, cprt };
     FillSignCurves();
-    std::vector<Bytes> el = {DescElement("ktclr Lab (signed a, b)"), LabLut8(true), LabLut8(false),
+    std::vector<Bytes> el = {DescElement("ktclr Lab (signed a, b in)"), LabLut8(true), LabLut8(false),
                              XyzElement(d50), TextElement(kCopyright)};
     std::vector<TagRef> tags = {
         {Sig("desc"), desc}, {Sig("A2B0"), a2b0}, {Sig("B2A0"), b2a0}, {Sig("wtpt"), wtpt}, {Sig("cprt"), cprt}};
