@@ -89,28 +89,20 @@ KT_ROW_INLINE void ForwardChunks(const ForwardLab& f, const std::uint8_t* src, s
                  m5 = f.matrix[5], m6 = f.matrix[6], m7 = f.matrix[7], m8 = f.matrix[8];
     const double kx = f.scale[0], ky = f.scale[1], kz = f.scale[2];
     rows::Chunked<3, 3>(src, dst, width, [&](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
-        alignas(64) double t[3][kChunk];
-        alignas(64) double fv[3][kChunk];
         alignas(64) std::int32_t bad[kChunk];
         for (int i = 0; i < kChunk; ++i) {
             const double lr = lin[in[RIndex][i]], lg = lin[in[1][i]], lb = lin[in[BIndex][i]];
-            t[0][i] = ((m0 * lr + m1 * lg) + m2 * lb) * kx;
-            t[1][i] = ((m3 * lr + m4 * lg) + m5 * lb) * ky;
-            t[2][i] = ((m6 * lr + m7 * lg) + m8 * lb) * kz;
-            bad[i] = 0;
-        }
-        for (int c = 0; c < 3; ++c)
-            for (int i = 0; i < kChunk; ++i) {
-                const int ok = InFastRange(t[c][i]);
-                bad[i] |= ok ^ 1;
-                // Rejected lanes (not-a-number included) go on with t = 0,
-                // so that every lane's values stay small.
-                fv[c][i] = FastF(lanes::Select(ok, t[c][i], 0.0));
-            }
-        for (int i = 0; i < kChunk; ++i) {
-            const double fx = fv[0][i], fy = fv[1][i], fz = fv[2][i];
+            const double tx = ((m0 * lr + m1 * lg) + m2 * lb) * kx;
+            const double ty = ((m3 * lr + m4 * lg) + m5 * lb) * ky;
+            const double tz = ((m6 * lr + m7 * lg) + m8 * lb) * kz;
+            const int okx = InFastRange(tx), oky = InFastRange(ty), okz = InFastRange(tz);
+            // Rejected lanes (not-a-number included) go on with t = 0, so
+            // that every lane's values stay small.
+            const double fx = FastF(lanes::Select(okx, tx, 0.0));
+            const double fy = FastF(lanes::Select(oky, ty, 0.0));
+            const double fz = FastF(lanes::Select(okz, tz, 0.0));
             const double Lv = 116.0 * fy - 16.0, av = 500.0 * (fx - fy), bv = 200.0 * (fy - fz);
-            bad[i] |= NearStep(Lv) | NearStep(av) | NearStep(bv);
+            bad[i] = ((okx & oky & okz) ^ 1) | NearStep(Lv) | NearStep(av) | NearStep(bv);
             out[0][i] = ((static_cast<int>(Lv) & 255) * kLCodeFactor) >> kLCodeShift;
             out[1][i] = static_cast<int>(av);
             out[2][i] = static_cast<int>(bv);
