@@ -246,7 +246,7 @@ KT_KERNEL(RgbToHls) {
     return WalkSteps(
         src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { FromRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(HlsToRgb) {
@@ -254,7 +254,7 @@ KT_KERNEL(HlsToRgb) {
     return WalkSteps(
         src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return ToRgbAvx2<decltype(o)>(s, d, w); },
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return ToRgbChecked(o, s, d, w); });
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { return ToRgbChecked(o, s, d, w); });
 }
 
 }  // namespace kt::color
