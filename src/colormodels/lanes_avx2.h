@@ -80,6 +80,14 @@ inline const Masks& TheMasks() {
     return st;
 }
 
+// The step of raw bytes kept from an earlier Load.
+[[gnu::always_inline]] inline Step Unpack(const Masks& m, __m256i raw) {
+    Step st;
+    st.raw = raw;
+    for (int at = 0; at < 3; ++at) st.c[at] = _mm256_shuffle_epi8(raw, m.spread[at]);
+    return st;
+}
+
 // Stores the low bytes of the lanes c0, c1, c2 as byte positions 0, 1, 2.
 // The four bytes after the eighth pixel get back what Load read there, so a
 // row converted in place keeps the next pixel intact.
@@ -102,6 +110,41 @@ inline const Masks& TheMasks() {
     v = _mm256_or_si256(v, _mm256_and_si256(raw, m.spare));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
+}
+
+// The lanes c0, c1, c2 packed with saturation to bytes 0..255 and
+// interleaved as byte positions 0, 1, 2 of each half's four pixels.
+[[gnu::always_inline]] inline __m256i PackClamped(const Masks& m, __m256i c0, __m256i c1, __m256i c2) {
+    const __m256i words = _mm256_packs_epi32(c0, c1);
+    return _mm256_shuffle_epi8(_mm256_packus_epi16(words, _mm256_packs_epi32(c2, c2)), m.interleave);
+}
+
+// Stores packed pixel bytes; the four bytes after the eighth pixel get back
+// what Load read there.
+[[gnu::always_inline]] inline void StorePacked(const Masks& m, std::uint8_t* d, const __m256i raw, __m256i v) {
+    v = _mm256_or_si256(v, _mm256_and_si256(raw, m.spare));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(v));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
+}
+
+// Stores exactly the 24 bytes of eight packed pixels.
+[[gnu::always_inline]] inline void StorePixels(std::uint8_t* d, __m256i v) {
+    const __m128i lo = _mm256_castsi256_si128(v), hi = _mm256_extracti128_si256(v, 1);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(d), lo);
+    _mm_storeu_si32(d + 8, _mm_srli_si128(lo, 8));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 12), hi);
+    _mm_storeu_si32(d + 20, _mm_srli_si128(hi, 8));
+}
+
+// The 32-bit lanes of pixels 4 half .. 4 half + 3 as doubles.
+[[gnu::always_inline]] inline __m256d Doubles(__m256i lanes, int half) {
+    return _mm256_cvtepi32_pd(half == 0 ? _mm256_castsi256_si128(lanes) : _mm256_extracti128_si256(lanes, 1));
+}
+
+// trunc(clamp(x, lo, hi)) of four doubles, as the scalar clamp and
+// conversion do it (no not-a-number reaches here).
+[[gnu::always_inline]] inline __m128i TruncateClamped(__m256d x, double lo, double hi) {
+    return _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(x, _mm256_set1_pd(lo)), _mm256_set1_pd(hi)));
 }
 
 // Runs step(masks, s, d) over the whole row: the last pixels, which a step

@@ -8,24 +8,33 @@ constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr double kFull = 255.0;
 constexpr double kChromaLow = -128.0, kChromaHigh = 127.0;
 
-// The double formulas; the vector arithmetic rounds exactly as the scalar
-// one does.
-KT_ROW_INLINE int Luma(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp(0.299 * r + 0.587 * g + 0.114 * b, 0.0, kFull));
+// The double formulas. The sums are written once for doubles and for the
+// vector lanes that redo the steps near a whole number, so that both round
+// alike (by reference: no vector crosses a baseline call).
+template <class T>
+KT_ROW_INLINE void LumaSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = 0.299 * r + 0.587 * g + 0.114 * b;
 }
+template <class T>
+KT_ROW_INLINE void BlueChromaSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = -0.16874 * r - 0.33126 * g + 0.5 * b;
+}
+template <class T>
+KT_ROW_INLINE void RedChromaSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = 0.5 * r - 0.41869 * g - 0.08131 * b;
+}
+template <void (*Sum)(const double&, const double&, const double&, double&)>
+KT_ROW_INLINE int Truncated(double r, double g, double b, double lo, double hi) {
+    double sum;
+    Sum(r, g, b, sum);
+    return static_cast<int>(rows::Clamp(sum, lo, hi));
+}
+KT_ROW_INLINE int Luma(double r, double g, double b) { return Truncated<LumaSum>(r, g, b, 0.0, kFull); }
 KT_ROW_INLINE int BlueChroma(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp(-0.16874 * r - 0.33126 * g + 0.5 * b, kChromaLow, kChromaHigh));
+    return Truncated<BlueChromaSum>(r, g, b, kChromaLow, kChromaHigh);
 }
 KT_ROW_INLINE int RedChroma(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp(0.5 * r - 0.41869 * g - 0.08131 * b, kChromaLow, kChromaHigh));
-}
-
-template <class O>
-KT_ROW_INLINE void FromRgbPixel(const std::uint8_t* in, std::uint8_t* out) {
-    const double r = in[O::r], g = in[O::g], b = in[O::b];
-    out[0] = static_cast<std::uint8_t>(Luma(r, g, b));
-    out[1] = static_cast<std::uint8_t>(BlueChroma(r, g, b));
-    out[2] = static_cast<std::uint8_t>(RedChroma(r, g, b));
+    return Truncated<RedChromaSum>(r, g, b, kChromaLow, kChromaHigh);
 }
 
 template <class O>
@@ -80,7 +89,15 @@ template <class O>
 void FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     static const affine::Vectors vectors{kFromRgbFixed};
     affine::FromRgb<O>(kFromRgbFixed, vectors, s, d, width,
-                              [](const std::uint8_t* in, std::uint8_t* out) { FromRgbPixel<O>(in, out); });
+                       [](const __m256d& r, const __m256d& g, const __m256d& b, __m128i* out) KT_STEP_INLINE {
+                           __m256d sum[3];
+                           LumaSum(r, g, b, sum[0]);
+                           BlueChromaSum(r, g, b, sum[1]);
+                           RedChromaSum(r, g, b, sum[2]);
+                           out[0] = avx2::TruncateClamped(sum[0], 0.0, kFull);
+                           out[1] = avx2::TruncateClamped(sum[1], kChromaLow, kChromaHigh);
+                           out[2] = avx2::TruncateClamped(sum[2], kChromaLow, kChromaHigh);
+                       });
 }
 
 [[gnu::always_inline]] inline __m256i Term(__m256i v, int k) {

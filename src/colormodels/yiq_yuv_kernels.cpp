@@ -21,36 +21,48 @@ constexpr double kQSpan = 267.0, kQOffset = 134.0;
 
 // The forward formulas, one output byte each. Every row runs them lane by
 // lane over chunks of pixels; the vector arithmetic rounds exactly as the
-// scalar one does, and divisions stay divisions.
-KT_ROW_INLINE int Luma(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp(0.299 * r + 0.587 * g + 0.114 * b, 0.0, kFull));
+// scalar one does, and divisions stay divisions. The sums are written once
+// for doubles and for the AVX2 lanes that redo the steps near a whole
+// number (by reference: no vector crosses a baseline call).
+template <class T>
+KT_ROW_INLINE void LumaSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = 0.299 * r + 0.587 * g + 0.114 * b;
 }
-KT_ROW_INLINE int YuvU(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp((0.434 * b - 0.146 * r - 0.288 * g + kUOffset) / kUSpan * kFull + 0.5, 0.0, kFull));
+template <class T>
+KT_ROW_INLINE void YuvUSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = (0.434 * b - 0.146 * r - 0.288 * g + kUOffset) / kUSpan * kFull + 0.5;
 }
-KT_ROW_INLINE int YuvV(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp((0.617 * r - 0.517 * g - 0.1 * b + kVOffset) / kVSpan * kFull + 0.5, 0.0, kFull));
+template <class T>
+KT_ROW_INLINE void YuvVSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = (0.617 * r - 0.517 * g - 0.1 * b + kVOffset) / kVSpan * kFull + 0.5;
 }
-KT_ROW_INLINE int YiqY(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp((0.299 * r + 0.587 * g + 0.114 * b) / kYiqYSpan * kFull + 0.5, 0.0, kFull));
+template <class T>
+KT_ROW_INLINE void YiqYSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = (0.299 * r + 0.587 * g + 0.114 * b) / kYiqYSpan * kFull + 0.5;
 }
-KT_ROW_INLINE int YiqI(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp((0.596 * r - 0.274 * g - 0.322 * b + kIOffset) / kISpan * kFull + 0.5, 0.0, kFull));
+template <class T>
+KT_ROW_INLINE void YiqISum(const T& r, const T& g, const T& b, T& sum) {
+    sum = (0.596 * r - 0.274 * g - 0.322 * b + kIOffset) / kISpan * kFull + 0.5;
 }
-KT_ROW_INLINE int YiqQ(double r, double g, double b) {
-    return static_cast<int>(rows::Clamp((0.212 * r - 0.523 * g + 0.311 * b + kQOffset) / kQSpan * kFull + 0.5, 0.0, kFull));
+template <class T>
+KT_ROW_INLINE void YiqQSum(const T& r, const T& g, const T& b, T& sum) {
+    sum = (0.212 * r - 0.523 * g + 0.311 * b + kQOffset) / kQSpan * kFull + 0.5;
 }
 
-// One pixel through the formulas, for the pixels the fixed-point steps hand
-// back.
-template <class O, int (*F0)(double, double, double), int (*F1)(double, double, double),
-          int (*F2)(double, double, double)>
-KT_ROW_INLINE void Pixel(const std::uint8_t* in, std::uint8_t* out) {
-    const double r = in[O::r], g = in[O::g], b = in[O::b];
-    out[0] = static_cast<std::uint8_t>(F0(r, g, b));
-    out[1] = static_cast<std::uint8_t>(F1(r, g, b));
-    out[2] = static_cast<std::uint8_t>(F2(r, g, b));
+// Each sum clamped to a byte and truncated.
+using SumOf = void (*)(const double&, const double&, const double&, double&);
+template <SumOf Sum>
+KT_ROW_INLINE int Truncated(double r, double g, double b) {
+    double sum;
+    Sum(r, g, b, sum);
+    return static_cast<int>(rows::Clamp(sum, 0.0, kFull));
 }
+KT_ROW_INLINE int Luma(double r, double g, double b) { return Truncated<LumaSum>(r, g, b); }
+KT_ROW_INLINE int YuvU(double r, double g, double b) { return Truncated<YuvUSum>(r, g, b); }
+KT_ROW_INLINE int YuvV(double r, double g, double b) { return Truncated<YuvVSum>(r, g, b); }
+KT_ROW_INLINE int YiqY(double r, double g, double b) { return Truncated<YiqYSum>(r, g, b); }
+KT_ROW_INLINE int YiqI(double r, double g, double b) { return Truncated<YiqISum>(r, g, b); }
+KT_ROW_INLINE int YiqQ(double r, double g, double b) { return Truncated<YiqQSum>(r, g, b); }
 
 template <class O>
 KT_ROW_INLINE void RgbToYuvRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
@@ -154,10 +166,21 @@ static_assert(MagicHolds());
 
 #pragma GCC push_options
 #pragma GCC target("avx2")
-template <class O, const affine::Fixed3& F, void (*P)(const std::uint8_t*, std::uint8_t*)>
+// The fixed-point steps; a step near a whole number is redone with the
+// three sums in double lanes.
+template <class O, const affine::Fixed3& F, void (*S0)(const __m256d&, const __m256d&, const __m256d&, __m256d&),
+          void (*S1)(const __m256d&, const __m256d&, const __m256d&, __m256d&),
+          void (*S2)(const __m256d&, const __m256d&, const __m256d&, __m256d&)>
 void FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     static const affine::Vectors vectors{F};
-    affine::FromRgb<O>(F, vectors, s, d, width, [](const std::uint8_t* in, std::uint8_t* out) { P(in, out); });
+    affine::FromRgb<O>(F, vectors, s, d, width,
+                       [](const __m256d& r, const __m256d& g, const __m256d& b, __m128i* out) KT_STEP_INLINE {
+                           __m256d sum[3];
+                           S0(r, g, b, sum[0]);
+                           S1(r, g, b, sum[1]);
+                           S2(r, g, b, sum[2]);
+                           for (int k = 0; k < 3; ++k) out[k] = avx2::TruncateClamped(sum[k], 0.0, kFull);
+                       });
 }
 
 // Sixteen-bit pairs (-u, -v) in each 32-bit lane feed multiply-adds; a
@@ -209,7 +232,7 @@ KT_KERNEL(RgbToYuv) {
         src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             using O = decltype(o);
-            FromRgbAvx2<O, kYuvFixed, Pixel<O, Luma, YuvU, YuvV>>(s, d, w);
+            FromRgbAvx2<O, kYuvFixed, LumaSum, YuvUSum, YuvVSum>(s, d, w);
         },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYuvRow(o, s, d, w); });
 }
@@ -228,7 +251,7 @@ KT_KERNEL(RgbToYiq) {
         src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             using O = decltype(o);
-            FromRgbAvx2<O, kYiqFixed, Pixel<O, YiqY, YiqI, YiqQ>>(s, d, w);
+            FromRgbAvx2<O, kYiqFixed, YiqYSum, YiqISum, YiqQSum>(s, d, w);
         },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYiqRow(o, s, d, w); });
 }
