@@ -4,10 +4,11 @@
 // errs by at most 3 x 255 x 2^-23 + 2^-23 < 384 x 2^-22 from the exact value
 // of the formula, while the double arithmetic errs by far less than 2^-40.
 // Where the fixed-point sum lies more than kNear x 2^-22 from a whole number
-// both therefore truncate alike; a step with a sum closer to one (sums that
-// are whole in exact arithmetic among them) is redone whole with the double
+// both therefore truncate alike; four pixels with a sum closer to one (sums
+// that are whole in exact arithmetic among them) are redone with the double
 // formula in vector lanes, the same operations in the same order as the
-// scalar formula. The exhaustive tests prove every kernel built on this.
+// scalar formula (no contraction: the lanes are compiled without FMA). The
+// exhaustive tests prove every kernel built on this.
 #pragma once
 
 #include "colormodels/lanes_avx2.h"

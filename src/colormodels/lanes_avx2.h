@@ -80,14 +80,6 @@ inline const Masks& TheMasks() {
     return st;
 }
 
-// The step of raw bytes kept from an earlier Load.
-[[gnu::always_inline]] inline Step Unpack(const Masks& m, __m256i raw) {
-    Step st;
-    st.raw = raw;
-    for (int at = 0; at < 3; ++at) st.c[at] = _mm256_shuffle_epi8(raw, m.spread[at]);
-    return st;
-}
-
 // Stores the low bytes of the lanes c0, c1, c2 as byte positions 0, 1, 2.
 // The four bytes after the eighth pixel get back what Load read there, so a
 // row converted in place keeps the next pixel intact.
@@ -125,20 +117,6 @@ inline const Masks& TheMasks() {
     v = _mm256_or_si256(v, _mm256_and_si256(raw, m.spare));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 12), _mm256_extracti128_si256(v, 1));
-}
-
-// Stores exactly the 24 bytes of eight packed pixels.
-[[gnu::always_inline]] inline void StorePixels(std::uint8_t* d, __m256i v) {
-    const __m128i lo = _mm256_castsi256_si128(v), hi = _mm256_extracti128_si256(v, 1);
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(d), lo);
-    _mm_storeu_si32(d + 8, _mm_srli_si128(lo, 8));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 12), hi);
-    _mm_storeu_si32(d + 20, _mm_srli_si128(hi, 8));
-}
-
-// The 32-bit lanes of pixels 4 half .. 4 half + 3 as doubles.
-[[gnu::always_inline]] inline __m256d Doubles(__m256i lanes, int half) {
-    return _mm256_cvtepi32_pd(half == 0 ? _mm256_castsi256_si128(lanes) : _mm256_extracti128_si256(lanes, 1));
 }
 
 // trunc(clamp(x, lo, hi)) of four doubles, as the scalar clamp and
