@@ -1,5 +1,5 @@
 // YCbCr, full range, with Cb and Cr stored as signed bytes centred on 0.
-#include "colormodels/affine_avx2.h"
+#include "colormodels/affine_avx512.h"
 #include "colormodels/kernel_rows.h"
 
 namespace kt::color {
@@ -122,6 +122,24 @@ void ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
+#pragma GCC push_options
+#pragma GCC target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi")
+template <class O>
+void FromRgbAvx512(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    static const affine512::Vectors vectors{kFromRgbFixed};
+    affine512::FromRgb<O>(kFromRgbFixed, vectors, s, d, width,
+                          [](const __m512d& r, const __m512d& g, const __m512d& b, __m256i* out) KT_STEP_INLINE {
+                              __m512d sum[3];
+                              LumaSum(r, g, b, sum[0]);
+                              BlueChromaSum(r, g, b, sum[1]);
+                              RedChromaSum(r, g, b, sum[2]);
+                              out[0] = affine512::TruncateClamped(sum[0], 0.0, kFull);
+                              out[1] = affine512::TruncateClamped(sum[1], kChromaLow, kChromaHigh);
+                              out[2] = affine512::TruncateClamped(sum[2], kChromaLow, kChromaHigh);
+                          });
+}
+#pragma GCC pop_options
+
 // The AVX2 steps where the processor has them, the lane loops otherwise.
 template <class Vector, class Plain>
 KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
@@ -131,12 +149,17 @@ KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int he
 }
 }  // namespace
 
-KT_KERNEL(RgbToYcbcr) {
+KT_KERNEL_WITH(affine::RgbToYcbcrWith) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return affine::WalkVariant(
+        variant, src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx512<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
+}
+
+KT_KERNEL(RgbToYcbcr) {
+    return affine::RgbToYcbcrWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(YcbcrToRgb) {

@@ -3,7 +3,7 @@
 // truncated per-byte values and finish in integers (YUV) or doubles (YIQ).
 #include <array>
 
-#include "colormodels/affine_avx2.h"
+#include "colormodels/affine_avx512.h"
 #include "colormodels/kernel_rows.h"
 
 namespace kt::color {
@@ -217,6 +217,25 @@ void YuvToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
+#pragma GCC push_options
+#pragma GCC target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi")
+// The same sixteen pixels at a time.
+template <class O, const affine::Fixed3& F, void (*S0)(const __m512d&, const __m512d&, const __m512d&, __m512d&),
+          void (*S1)(const __m512d&, const __m512d&, const __m512d&, __m512d&),
+          void (*S2)(const __m512d&, const __m512d&, const __m512d&, __m512d&)>
+void FromRgbAvx512(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    static const affine512::Vectors vectors{F};
+    affine512::FromRgb<O>(F, vectors, s, d, width,
+                          [](const __m512d& r, const __m512d& g, const __m512d& b, __m256i* out) KT_STEP_INLINE {
+                              __m512d sum[3];
+                              S0(r, g, b, sum[0]);
+                              S1(r, g, b, sum[1]);
+                              S2(r, g, b, sum[2]);
+                              for (int k = 0; k < 3; ++k) out[k] = affine512::TruncateClamped(sum[k], 0.0, kFull);
+                          });
+}
+#pragma GCC pop_options
+
 // The AVX2 steps where the processor has them, the lane loops otherwise.
 template <class Vector, class Plain>
 KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
@@ -226,15 +245,21 @@ KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int he
 }
 }  // namespace
 
-KT_KERNEL(RgbToYuv) {
+KT_KERNEL_WITH(affine::RgbToYuvWith) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return affine::WalkVariant(
+        variant, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-            using O = decltype(o);
-            FromRgbAvx2<O, kYuvFixed, LumaSum, YuvUSum, YuvVSum>(s, d, w);
+            FromRgbAvx512<decltype(o), kYuvFixed, LumaSum, YuvUSum, YuvVSum>(s, d, w);
+        },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+            FromRgbAvx2<decltype(o), kYuvFixed, LumaSum, YuvUSum, YuvVSum>(s, d, w);
         },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYuvRow(o, s, d, w); });
+}
+
+KT_KERNEL(RgbToYuv) {
+    return affine::RgbToYuvWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(YuvToRgb) {
@@ -245,15 +270,21 @@ KT_KERNEL(YuvToRgb) {
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YuvToRgbRow(o, s, d, w); });
 }
 
-KT_KERNEL(RgbToYiq) {
+KT_KERNEL_WITH(affine::RgbToYiqWith) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return affine::WalkVariant(
+        variant, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-            using O = decltype(o);
-            FromRgbAvx2<O, kYiqFixed, YiqYSum, YiqISum, YiqQSum>(s, d, w);
+            FromRgbAvx512<decltype(o), kYiqFixed, YiqYSum, YiqISum, YiqQSum>(s, d, w);
+        },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+            FromRgbAvx2<decltype(o), kYiqFixed, YiqYSum, YiqISum, YiqQSum>(s, d, w);
         },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { RgbToYiqRow(o, s, d, w); });
+}
+
+KT_KERNEL(RgbToYiq) {
+    return affine::RgbToYiqWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(YiqToRgb) {
