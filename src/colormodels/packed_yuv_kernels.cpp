@@ -1,6 +1,8 @@
 // Packed YUV: 4:2:2 in two byte orders (two pixels share U and V) and 4:1:1
 // (four pixels share them, eight pixels in 12 bytes).
+#include "colormodels/packed_avx512.h"
 #include "colormodels/kernel_rows.h"
+#include "colormodels/packed_variants.h"
 #include "colormodels/packed_yuv_math.h"
 
 namespace kt::color {
@@ -79,6 +81,23 @@ void Yuv411ToRgbRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noex
         }
     }
 }
+
+// Packed 4:2:2 to RGB in the variant asked for: AVX-512 steps, the lane
+// loops compiled for AVX2, or the lane loops as they stand.
+template <const Layout422& At>
+KtStatus Yuv422ToRgb(packed::Variant variant, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
+                     int srcPad, int dstPad, int rgbOrder) noexcept {
+    const auto lanes = [](auto o, const std::uint8_t* s, std::uint8_t* d, int w)
+                           KT_LAMBDA_INLINE { Yuv422ToRgbRow(o, At, s, d, w); };
+    return packed::WalkVariant(
+        variant, k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+            packed512::ToRgbRow<At.y0, At.u, At.y1, At.v, decltype(o)>(s, d, w);
+        },
+        [&lanes](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { rows::RowAvx2(lanes, o, s, d, w); },
+        lanes);
+}
+
 }  // namespace
 
 KT_KERNEL(RgbToYuyv) {
@@ -87,22 +106,28 @@ KT_KERNEL(RgbToYuyv) {
                       [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbTo422Row(o, kYuyv, s, d, w); });
 }
 
-KT_KERNEL(YuyvToRgb) {
-    (void)black;
-    return rows::WalkFast(k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { Yuv422ToRgbRow(o, kYuyv, s, d, w); });
-}
-
 KT_KERNEL(RgbToUyvy) {
     (void)black;
     return rows::WalkFast(kRgbTo422, src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { RgbTo422Row(o, kUyvy, s, d, w); });
 }
 
-KT_KERNEL(UyvyToRgb) {
+KT_KERNEL_WITH(packed::YuyvToRgbWith) {
     (void)black;
-    return rows::WalkFast(k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { Yuv422ToRgbRow(o, kUyvy, s, d, w); });
+    return Yuv422ToRgb<kYuyv>(variant, src, dst, width, height, srcPad, dstPad, rgbOrder);
+}
+
+KT_KERNEL_WITH(packed::UyvyToRgbWith) {
+    (void)black;
+    return Yuv422ToRgb<kUyvy>(variant, src, dst, width, height, srcPad, dstPad, rgbOrder);
+}
+
+KT_KERNEL(YuyvToRgb) {
+    return packed::YuyvToRgbWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+}
+
+KT_KERNEL(UyvyToRgb) {
+    return packed::UyvyToRgbWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(RgbToYuv411) {

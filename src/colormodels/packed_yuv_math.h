@@ -34,12 +34,19 @@ constexpr Sample FromRgb(O, const std::uint8_t* p) {
 
 // The inverse, in integers with division truncating toward zero; the
 // constants hold the offsets 16 and 128 and a rounding half.
+// Every coefficient fits a signed 16-bit word, so vector steps take the
+// sums as pairwise word products. Division toward zero and a floor differ
+// only below zero, where the clamp makes both 0.
 constexpr int kInverseScale = 1024;
+constexpr int kInverseShift = 10;
+constexpr int kLumaGain = 1192;
+constexpr int kRedV = 1634, kGreenU = -400, kGreenV = -833, kBlueU = 2066;
+constexpr int kRedBias = -227712, kGreenBias = 139264, kBlueBias = -283008;
 
 constexpr void ToRgbLanes(int y, int u, int v, int& r, int& g, int& b) {
-    r = rows::ClampInt((1192 * y + 1634 * v - 227712) / kInverseScale, 0, 255);
-    g = rows::ClampInt((1192 * y - 400 * u - 833 * v + 139264) / kInverseScale, 0, 255);
-    b = rows::ClampInt((1192 * y + 2066 * u - 283008) / kInverseScale, 0, 255);
+    r = rows::ClampInt((kLumaGain * y + kRedV * v + kRedBias) / kInverseScale, 0, 255);
+    g = rows::ClampInt((kLumaGain * y + kGreenU * u + kGreenV * v + kGreenBias) / kInverseScale, 0, 255);
+    b = rows::ClampInt((kLumaGain * y + kBlueU * u + kBlueBias) / kInverseScale, 0, 255);
 }
 
 template <class O>

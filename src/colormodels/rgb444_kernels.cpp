@@ -1,8 +1,11 @@
 // 4-bit RGB: two bytes per pixel, R in the low nibble of the first, G and B
 // in the high and low nibbles of the second.
+#include "colormodels/rgb444_avx512.h"
+
 #include <tmmintrin.h>
 
 #include "colormodels/kernel_rows.h"
+#include "colormodels/packed_variants.h"
 
 namespace kt::color {
 namespace {
@@ -29,18 +32,14 @@ void ToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
         d[O::b] = static_cast<std::uint8_t>(b1 << kNibbleShift);
     }
 }
-// Eight pixels a step with SSSE3. Each 16-bit lane is built as the code word
+// Eight pixels a step with SSSE3, the narrow variant (every AVX2 processor
+// has SSSE3). Each 16-bit lane is built as the code word
 // itself (low byte first): from RGB, lanes holding (R, G) and (0, B) give
 // R >> 4, G & 0xF0 and B >> 4 by shifts and masks; to RGB, the shifted word
 // holds R and B, the word itself G, and byte shuffles place them. The scalar
 // rows finish what is left.
 constexpr int kStepPixels = 8;
 constexpr std::uint8_t kZero = 0x80;  // a shuffle index that yields 0
-
-bool HasSsse3() noexcept {
-    static const bool has = __builtin_cpu_supports("ssse3");
-    return has;
-}
 
 inline __m128i Load(const std::uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 
@@ -120,22 +119,36 @@ template <class O>
 }
 }  // namespace
 
-KT_KERNEL(RgbToRgb444) {
+KT_KERNEL_WITH(packed::RgbToRgb444With) {
     (void)black;
-    return rows::Walk(kFromRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          const int done = HasSsse3() ? FromRgbBlocks(o, s, d, w) : 0;
-                          FromRgbRow(o, s + 3 * done, d + 2 * done, w - done);
-                      });
+    return packed::WalkVariant(
+        variant, kFromRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { rgb444_512::FromRgbRow<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+            const int done = FromRgbBlocks(o, s, d, w);
+            FromRgbRow(o, s + 3 * done, d + 2 * done, w - done);
+        },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
+}
+
+KT_KERNEL_WITH(packed::Rgb444ToRgbWith) {
+    (void)black;
+    return packed::WalkVariant(
+        variant, kToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { rgb444_512::ToRgbRow<decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
+            const int done = ToRgbBlocks(o, s, d, w);
+            ToRgbRow(o, s + 2 * done, d + 3 * done, w - done);
+        },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbRow(o, s, d, w); });
+}
+
+KT_KERNEL(RgbToRgb444) {
+    return packed::RgbToRgb444With(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(Rgb444ToRgb) {
-    (void)black;
-    return rows::Walk(kToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          const int done = HasSsse3() ? ToRgbBlocks(o, s, d, w) : 0;
-                          ToRgbRow(o, s + 2 * done, d + 3 * done, w - done);
-                      });
+    return packed::Rgb444ToRgbWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 }  // namespace kt::color
