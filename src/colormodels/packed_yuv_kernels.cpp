@@ -2,6 +2,7 @@
 // (four pixels share them, eight pixels in 12 bytes).
 #include "colormodels/packed_avx512.h"
 #include "colormodels/kernel_rows.h"
+#include "colormodels/packed_avx2.h"
 #include "colormodels/packed_variants.h"
 #include "colormodels/packed_yuv_math.h"
 
@@ -82,20 +83,27 @@ void Yuv411ToRgbRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noex
     }
 }
 
-// Packed 4:2:2 to RGB in the variant asked for: AVX-512 steps, the lane
-// loops compiled for AVX2, or the lane loops as they stand.
+// The AVX2 steps, the row's last pixels through the lane loops.
+template <const Layout422& At, class O>
+[[gnu::target("avx2")]] void Yuv422ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    packed256::ToRgbRow<At.y0, At.u, At.y1, At.v, O>(
+        s, d, width, [](const std::uint8_t* rs, std::uint8_t* rd, int n) KT_LAMBDA_INLINE {
+            Yuv422ToRgbRow(O{}, At, rs, rd, n);
+        });
+}
+
+// Packed 4:2:2 to RGB in the variant asked for: AVX-512 steps, AVX2 steps,
+// or the lane loops.
 template <const Layout422& At>
 KtStatus Yuv422ToRgb(packed::Variant variant, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
                      int srcPad, int dstPad, int rgbOrder) noexcept {
-    const auto lanes = [](auto o, const std::uint8_t* s, std::uint8_t* d, int w)
-                           KT_LAMBDA_INLINE { Yuv422ToRgbRow(o, At, s, d, w); };
     return packed::WalkVariant(
         variant, k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             packed512::ToRgbRow<At.y0, At.u, At.y1, At.v, decltype(o)>(s, d, w);
         },
-        [&lanes](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { rows::RowAvx2(lanes, o, s, d, w); },
-        lanes);
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { Yuv422ToRgbAvx2<At, decltype(o)>(s, d, w); },
+        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { Yuv422ToRgbRow(o, At, s, d, w); });
 }
 
 }  // namespace
