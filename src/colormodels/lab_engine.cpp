@@ -39,6 +39,22 @@ void BuildForwardLab(ForwardLab* f, double gammaExponent, const double white[3],
         f->white[i] = white[i];
         f->scale[i] = 100.0 / white[i];
     }
+    // Non-negative finite terms: each t lies between 0 and the sum of the
+    // largest terms (rounding is monotonic), scaled.
+    constexpr double kBound = 1.5;
+    double most = 0.0;
+    bool bounded = true;
+    for (int i = 0; i < 256; ++i) {
+        bounded = bounded && std::isfinite(f->linear[i]) && f->linear[i] >= 0.0;
+        most = f->linear[i] > most ? f->linear[i] : most;
+    }
+    for (int row = 0; row < 3; ++row) {
+        const double* m = f->matrix + 3 * row;
+        for (int c = 0; c < 3; ++c) bounded = bounded && std::isfinite(m[c]) && m[c] >= 0.0;
+        const double top = ((m[0] * most + m[1] * most) + m[2] * most) * f->scale[row];
+        bounded = bounded && std::isfinite(f->scale[row]) && f->scale[row] > 0.0 && top < kBound;
+    }
+    f->bounded = bounded;
 }
 
 void ForwardLabPixel(const ForwardLab& f, int r, int g, int b, std::uint8_t out[3]) noexcept {

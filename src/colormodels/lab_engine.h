@@ -24,6 +24,9 @@ struct ForwardLab {
     double matrix[9];
     double white[3];
     double scale[3];  // 100 / white, for the fast path only
+    // Whether every x, y and z the tables can give is finite with
+    // 0 <= t < 2, so that the fast path need not check it.
+    bool bounded;
 };
 
 // Lab to RGB: X = t(fx) * factor[0], RGB = matrix . XYZ, encoded with the

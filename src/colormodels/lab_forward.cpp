@@ -4,11 +4,14 @@
 //
 // Exactness: x, y and z are the formula's own double sums (scaled by
 // 100 / white instead of divided, one rounding apart). The fast cube root is
-// within 1e-9 of the exact one, relative (a seed within 3.5% and two
-// third-order steps: 3.5e-2 -> 4e-4 -> 3e-10), so L, a and b are within
-// 500 x 2 x 1.26 x 1e-9 < 2e-6 of the formula's values. A value within
-// kTruncMargin of a truncation step, and a t within kLimitMargin of the
-// branch point or outside -1 < t < 2, sends its pixel to the literal path.
+// within 1.1e-10 of the exact one, relative, for 0.008 <= t < 2 (a seed
+// within 3.5%, a third-order step and a second one folded into the root;
+// measured against a long-double cube root at both ends of every seed
+// bucket), so L, a and b are within 500 x 2 x 1.04 x 1.1e-10 < 2e-7 of the
+// formula's values. A value within kTruncMargin of a truncation step, and a
+// t within kLimitMargin of the branch point or outside -1 < t < 2, sends its
+// pixel to the literal path; tables that keep every t within 0 <= t < 1.5
+// skip the range check.
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -27,28 +30,32 @@ constexpr double kLimitMargin = 1e-9;
 constexpr double kRangeMiddle = 0.5;  // the fast range of t: -1 < t < 2
 constexpr double kRangeHalf = 1.5;
 
-// The inverse cube root's seed from the bits of a float: the exponent and
-// mantissa divided by three and subtracted from a constant (within 3.5% for
-// any normal float); then steps r += r (e / 3 + 2 e^2 / 9), e = 1 - t r^3,
-// each cubing the relative error (times about 5).
-constexpr std::int32_t kCbrtMagic = 0x54a23400;
-constexpr float kThirdFloat = 1.0f / 3.0f;
+// The inverse cube root's seed from the upper half of the double's bits:
+// sign, exponent and mantissa head divided by three (a 32 x 32-bit product,
+// exact for any 32-bit value) and subtracted from a constant; within 3.5%
+// for 2^-7 <= t < 2. Then the step r += r (e / 3 + 2 e^2 / 9), e = 1 - t r^3,
+// which cubes the relative error (times about 5), and a last step taken on
+// the root c = t r^2 itself: c (1 + 2 e / 3 + 5 e^2 / 9), with a remainder
+// below 0.5 e^3 relative.
+constexpr std::uint64_t kCbrtMagic = 0x553ef100;
+constexpr std::uint64_t kDivThree = 0xaaaaaaab;  // x / 3 = (x kDivThree) >> 33
+constexpr int kDivThreeShift = 33;
 constexpr double kThird = 1.0 / 3.0;
 constexpr double kTwoNinths = 2.0 / 9.0;
-constexpr int kCbrtSteps = 2;
+constexpr double kTwoThirds = 2.0 / 3.0;
+constexpr double kFiveNinths = 5.0 / 9.0;
 
-// For -1 < t < 2 (the root is used only above kLinearLimit; below it the
-// value is meaningless but finite or not-a-number, without traps, and every
-// conversion stays in range).
+// For 0 <= t < 2 (the root is used only above kLinearLimit; below it, and
+// for negative t, the value is meaningless but without traps).
 KT_ROW_INLINE double FastCbrt(double t) {
-    const float tf = static_cast<float>(t);
-    const float third = static_cast<float>(std::bit_cast<std::int32_t>(tf)) * kThirdFloat;
-    double r = static_cast<double>(std::bit_cast<float>(kCbrtMagic - static_cast<std::int32_t>(third)));
-    for (int k = 0; k < kCbrtSteps; ++k) {
-        const double e = 1.0 - t * (r * r * r);
-        r += r * (e * (kThird + e * kTwoNinths));
-    }
-    return t * (r * r);
+    const std::uint64_t head = static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(t) >> 32);
+    const std::uint64_t third = (head * kDivThree) >> kDivThreeShift;
+    double r = std::bit_cast<double>((kCbrtMagic - third) << 32);
+    const double e0 = 1.0 - t * (r * r * r);
+    r += r * (e0 * (kThird + e0 * kTwoNinths));
+    const double c = t * (r * r);
+    const double e = 1.0 - c * r;
+    return c + c * (e * (kTwoThirds + e * kFiveNinths));
 }
 
 // f(t) without branches: both sides computed.
@@ -58,15 +65,25 @@ KT_ROW_INLINE double FastF(double t) {
     return lanes::Select(t > kLinearLimit, root, line);
 }
 
-// t the fast path serves (not-a-number fails).
+// t the fast path serves: away from the branch point, and, unless the
+// tables bound it already, -1 < t < 2 (not-a-number fails).
+template <bool Bounded>
 KT_ROW_INLINE int InFastRange(double t) {
-    return static_cast<int>(std::fabs(t - kRangeMiddle) < kRangeHalf) &
-           static_cast<int>(std::fabs(t - kLinearLimit) >= kLimitMargin);
+    const int away = static_cast<int>(std::fabs(t - kLinearLimit) >= kLimitMargin);
+    if constexpr (Bounded) return away;
+    return static_cast<int>(std::fabs(t - kRangeMiddle) < kRangeHalf) & away;
 }
 
-// Whether a value within kTruncMargin of v may truncate differently from v.
-KT_ROW_INLINE int NearStep(double v) {
-    return static_cast<int>(static_cast<int>(v - kTruncMargin) != static_cast<int>(v + kTruncMargin));
+// trunc(v), and whether a value within kTruncMargin of v may truncate
+// differently (then the pixel is redone, so trunc(v + margin) stands for
+// trunc(v)).
+struct Truncated {
+    int value;
+    int near;
+};
+KT_ROW_INLINE Truncated TruncNear(double v) {
+    const int lo = static_cast<int>(v - kTruncMargin), hi = static_cast<int>(v + kTruncMargin);
+    return {hi, static_cast<int>(lo != hi)};
 }
 
 // ((L & 255) x 255) / 100 as a multiply and shift: 255 j / 100 = 51 j / 20,
@@ -80,7 +97,7 @@ constexpr bool LCodeExact() {
 }
 static_assert(LCodeExact());
 
-template <int RIndex>
+template <int RIndex, bool Bounded>
 KT_ROW_INLINE void ForwardChunks(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width) {
     constexpr int BIndex = 2 - RIndex;
     constexpr int kChunk = rows::kChunk;
@@ -92,20 +109,24 @@ KT_ROW_INLINE void ForwardChunks(const ForwardLab& f, const std::uint8_t* src, s
         alignas(64) std::int32_t bad[kChunk];
         for (int i = 0; i < kChunk; ++i) {
             const double lr = lin[in[RIndex][i]], lg = lin[in[1][i]], lb = lin[in[BIndex][i]];
-            const double tx = ((m0 * lr + m1 * lg) + m2 * lb) * kx;
-            const double ty = ((m3 * lr + m4 * lg) + m5 * lb) * ky;
-            const double tz = ((m6 * lr + m7 * lg) + m8 * lb) * kz;
-            const int okx = InFastRange(tx), oky = InFastRange(ty), okz = InFastRange(tz);
-            // Rejected lanes (not-a-number included) go on with t = 0, so
-            // that every lane's values stay small.
-            const double fx = FastF(lanes::Select(okx, tx, 0.0));
-            const double fy = FastF(lanes::Select(oky, ty, 0.0));
-            const double fz = FastF(lanes::Select(okz, tz, 0.0));
-            const double Lv = 116.0 * fy - 16.0, av = 500.0 * (fx - fy), bv = 200.0 * (fy - fz);
-            bad[i] = ((okx & oky & okz) ^ 1) | NearStep(Lv) | NearStep(av) | NearStep(bv);
-            out[0][i] = ((static_cast<int>(Lv) & 255) * kLCodeFactor) >> kLCodeShift;
-            out[1][i] = static_cast<int>(av);
-            out[2][i] = static_cast<int>(bv);
+            double tx = ((m0 * lr + m1 * lg) + m2 * lb) * kx;
+            double ty = ((m3 * lr + m4 * lg) + m5 * lb) * ky;
+            double tz = ((m6 * lr + m7 * lg) + m8 * lb) * kz;
+            const int okx = InFastRange<Bounded>(tx), oky = InFastRange<Bounded>(ty), okz = InFastRange<Bounded>(tz);
+            if constexpr (!Bounded) {
+                // Rejected lanes (not-a-number included) go on with t = 0,
+                // so that every lane's values stay small.
+                tx = lanes::Select(okx, tx, 0.0);
+                ty = lanes::Select(oky, ty, 0.0);
+                tz = lanes::Select(okz, tz, 0.0);
+            }
+            const double fx = FastF(tx), fy = FastF(ty), fz = FastF(tz);
+            const Truncated L = TruncNear(116.0 * fy - 16.0), a = TruncNear(500.0 * (fx - fy)),
+                            b = TruncNear(200.0 * (fy - fz));
+            bad[i] = ((okx & oky & okz) ^ 1) | L.near | a.near | b.near;
+            out[0][i] = ((L.value & 255) * kLCodeFactor) >> kLCodeShift;
+            out[1][i] = a.value;
+            out[2][i] = b.value;
         }
         int any = 0;
         for (int i = 0; i < kChunk; ++i) any |= bad[i];
@@ -121,18 +142,18 @@ KT_ROW_INLINE void ForwardChunks(const ForwardLab& f, const std::uint8_t* src, s
 
 template <int RIndex>
 [[KT_LANES_PLAIN]] void RowPlain(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width) noexcept {
-    ForwardChunks<RIndex>(f, src, dst, width);
+    f.bounded ? ForwardChunks<RIndex, true>(f, src, dst, width) : ForwardChunks<RIndex, false>(f, src, dst, width);
 }
 
 template <int RIndex>
 [[KT_LANES_AVX2]] void RowAvx2(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width) noexcept {
-    ForwardChunks<RIndex>(f, src, dst, width);
+    f.bounded ? ForwardChunks<RIndex, true>(f, src, dst, width) : ForwardChunks<RIndex, false>(f, src, dst, width);
 }
 
 template <int RIndex>
 [[KT_LANES_AVX512]] void RowAvx512(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst,
                                    int width) noexcept {
-    ForwardChunks<RIndex>(f, src, dst, width);
+    f.bounded ? ForwardChunks<RIndex, true>(f, src, dst, width) : ForwardChunks<RIndex, false>(f, src, dst, width);
 }
 
 template <int RIndex>

@@ -4,7 +4,8 @@
 // padding bytes stay as they were. The Lab rows' instruction-set variants
 // (baseline, AVX2, AVX-512, as far as the processor has them) each against
 // the reference on a grid of inputs, since the exhaustive test sees only the
-// variant this processor picks.
+// variant this processor picks; the RGB to Lab rows also with the range of t
+// checked, the path of tables that do not bound it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -138,7 +139,15 @@ TEST(LabXyzWidths, EveryInstructionSetVariantOfTheLabRows) {
 
     auto forward = std::make_unique<color::ForwardLab>();
     color::BuildForwardLab(forward.get(), 2.2222222222222223, color::kInitWhitePoint, color::kRgbToXyzMatrix);
+    EXPECT_TRUE(forward->bounded);
     CheckVariants(px, "rgb->lab", FromRgb<ktref::RgbToLab>,
+                  [&](color::lanes::Isa isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
+                      color::ForwardLabRowWith(isa, *forward, s, d, w, rIndex);
+                  });
+    // The same rows with the range of t checked, as for tables that do not
+    // bound it.
+    forward->bounded = false;
+    CheckVariants(px, "rgb->lab, range checked", FromRgb<ktref::RgbToLab>,
                   [&](color::lanes::Isa isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
                       color::ForwardLabRowWith(isa, *forward, s, d, w, rIndex);
                   });
