@@ -1,5 +1,6 @@
 // The constant data the library carries: four ICC profiles and the three
-// emulation grids. The bytes come from tools/gen_builtin.
+// emulation grids. The files under data/builtin (made by tools/gen_builtin)
+// are assembled into the library as they stand.
 #pragma once
 
 #include <cstdint>
@@ -12,14 +13,14 @@ struct Blob {
     std::uint32_t declared;  // the header's size field; what lcms2 is given
 };
 
-extern const Blob kRgbDisplayProfile;
-extern const Blob kLabProfile;
-extern const Blob kPressProfile;
-extern const Blob kCmyProfile;
+Blob RgbDisplayProfile() noexcept;
+Blob LabProfile() noexcept;
+Blob PressProfile() noexcept;
+Blob CmyProfile() noexcept;
 
 // Lab to RGB and RGB to Lab, each in a slot of kGridSlot33 bytes, then
 // CMYK to RGB.
-extern const std::uint8_t* const kEmulationGrids;
+const std::uint8_t* EmulationGrids() noexcept;
 inline constexpr std::uint32_t kGridSlot33 = 108304;
 
 }  // namespace kt::color::data

@@ -10,21 +10,20 @@ namespace {
 
 struct Entry {
     std::int32_t selector;
-    const data::Blob* blob;
-};
-
-const Entry kProfiles[] = {
-    {kProfileRgbDisplay, &data::kRgbDisplayProfile},
-    {kProfileLab, &data::kLabProfile},
-    {kProfileCmykPress, &data::kPressProfile},
-    {kProfileCmy, &data::kCmyProfile},
+    data::Blob blob;
 };
 
 }  // namespace
 
 const data::Blob* BuiltinProfile(std::int32_t selector) noexcept {
+    static const Entry kProfiles[] = {
+        {kProfileRgbDisplay, data::RgbDisplayProfile()},
+        {kProfileLab, data::LabProfile()},
+        {kProfileCmykPress, data::PressProfile()},
+        {kProfileCmy, data::CmyProfile()},
+    };
     for (const Entry& e : kProfiles)
-        if (e.selector == selector) return e.blob;
+        if (e.selector == selector) return &e.blob;
     return nullptr;
 }
 

@@ -25,7 +25,7 @@ constexpr std::uint32_t kGrid17Bytes = 17 * 17 * 17 * 17 * 3;
 bool IsRgbSide(int space) { return space == CS_RGB || space == CS_BGR; }
 
 Grid GridFor(int src, int dst) {
-    const std::uint8_t* grids = data::kEmulationGrids;
+    const std::uint8_t* grids = data::EmulationGrids();
     if (src == CS_CMYK && IsRgbSide(dst)) return {grids + 2 * data::kGridSlot33, kGrid17Bytes, 4};
     if (IsRgbSide(src) && dst == CS_LAB) return {grids + data::kGridSlot33, kGrid33Bytes, 3};
     if (src == CS_LAB && IsRgbSide(dst)) return {grids, kGrid33Bytes, 3};

@@ -209,7 +209,7 @@ TEST_F(CustomGrid, InitSelectsAndLoads) {
 }
 
 TEST_F(CustomGrid, BuiltinSelectionByPair) {
-    const std::uint8_t* grids = color::data::kEmulationGrids;
+    const std::uint8_t* grids = color::data::EmulationGrids();
     struct Case {
         int src, dst;
         const std::uint8_t* grid;

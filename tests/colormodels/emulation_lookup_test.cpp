@@ -212,7 +212,7 @@ TEST(EmulationLookup, ContractPaddingAndNullGrid) {
 // Lab formulas at the nodes, and the ICC method between the built-in press
 // and display profiles.
 TEST(EmulationLookup, BuiltinGridsHoldTheReferenceConversions) {
-    const std::uint8_t* labToRgb = color::data::kEmulationGrids;
+    const std::uint8_t* labToRgb = color::data::EmulationGrids();
     const std::uint8_t* rgbToLab = labToRgb + color::data::kGridSlot33;
     const std::uint8_t* cmykToRgb = labToRgb + 2 * color::data::kGridSlot33;
     Bytes nodesRgb, nodesLab;

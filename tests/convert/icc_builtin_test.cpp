@@ -5,6 +5,8 @@
 #include <lcms2.h>
 
 #include <cstdlib>
+#include <iterator>
+#include <utility>
 #include <map>
 
 #include "convert/icc_format.h"
@@ -49,11 +51,21 @@ std::map<std::uint32_t, TagEntry> Directory(const Bytes& b, std::vector<std::uin
 }
 
 TEST(EmbeddedProfile, SizeProtocol) {
-    for (std::int32_t selector : {KTCLR_PROFILE_RGB_DISPLAY, KTCLR_PROFILE_LAB, KTCLR_PROFILE_CMYK_PRESS,
-                                  KTCLR_PROFILE_CMY}) {
+    const char* source = std::getenv("KTCLR_SOURCE_DIR");
+    const std::pair<std::int32_t, const char*> files[] = {{KTCLR_PROFILE_RGB_DISPLAY, "rgb_display.icc"},
+                                                          {KTCLR_PROFILE_LAB, "lab.icc"},
+                                                          {KTCLR_PROFILE_CMYK_PRESS, "cmyk_press.icc"},
+                                                          {KTCLR_PROFILE_CMY, "cmy.icc"}};
+    for (const auto& [selector, file] : files) {
         std::int32_t size = -5;
         ASSERT_EQ(Vx_ClrGetEmbeddedProfile(selector, nullptr, &size), STATUS_OK);
         ASSERT_GT(size, 128);
+        // The library hands out its data file whole.
+        if (source) {
+            std::ifstream in(std::string(source) + "/data/builtin/" + file, std::ios::binary);
+            const Bytes expected((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+            EXPECT_EQ(BuiltinProfile(selector), expected) << file;
+        }
         Bytes buffer(static_cast<std::size_t>(size) + 16, 0xEE);
         std::int32_t small = size - 1;
         EXPECT_EQ(Vx_ClrGetEmbeddedProfile(selector, buffer.data(), &small), ERR_BUFFER_TOO_SMALL);

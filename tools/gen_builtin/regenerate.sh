@@ -13,5 +13,5 @@ if [ "${1:-}" != "--keep" ]; then
   cp "$work/fogra39.icc" "$source_icc"
 fi
 c++ -O2 -std=c++20 -Wall -Wextra -o "$work/gen_builtin" "$root/tools/gen_builtin/gen_builtin.cpp" -llcms2
-mkdir -p "$root/data/builtin" "$root/src/colormodels/generated"
+mkdir -p "$root/data/builtin"
 "$work/gen_builtin" "$source_icc" "$root"
