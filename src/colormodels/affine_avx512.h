@@ -175,20 +175,3 @@ template <class O, class Exact>
 
 #pragma GCC pop_options
 
-namespace kt::color::affine {
-
-// Walks 3-byte rows with the row function of the variant the processor can
-// run closest to `variant`: wide (AVX-512), narrow (AVX2) or plain.
-template <class Wide, class Narrow, class Plain>
-KtStatus WalkVariant(Variant variant, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
-                     int dstPad, int rgbOrder, const Wide& wide, const Narrow& narrow, const Plain& plain) noexcept {
-    constexpr rows::Shape kShape{rows::kBits24, rows::kBits24};
-    switch (Usable(variant)) {
-        case Variant::avx512: return rows::Walk(kShape, src, dst, width, height, srcPad, dstPad, rgbOrder, wide);
-        case Variant::avx2: return rows::Walk(kShape, src, dst, width, height, srcPad, dstPad, rgbOrder, narrow);
-        case Variant::plain: break;
-    }
-    return rows::Walk(kShape, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-}
-
-}  // namespace kt::color::affine

@@ -10,7 +10,6 @@
 
 namespace kt::color {
 namespace {
-constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr int kSixth = 42;
 constexpr int kThird = 85;
 constexpr int kTwoThirds = 170;
@@ -232,27 +231,20 @@ KtStatus ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
-// The AVX2 steps where the processor has them, the lane loops otherwise.
-template <class Vector, class Plain>
-KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
-                   int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-}
 }  // namespace
 
 KT_KERNEL(RgbToHls) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::WalkAvx2Or(
+        rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { FromRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(HlsToRgb) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::WalkAvx2Or(
+        rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { return ToRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE { return ToRgbChecked(o, s, d, w); });
 }

@@ -7,7 +7,6 @@
 
 namespace kt::color {
 namespace {
-constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr int kDiffs = 511;  // channel differences -255..255
 constexpr double kFull = 255.0;
 constexpr double kPi = 3.1415926535;
@@ -135,14 +134,14 @@ KT_ROW_INLINE void ToRgbRow(O, const SectorTable& t, const std::uint8_t* s, std:
 KT_KERNEL(RgbToHsi) {
     (void)black;
     const HueTable& hues = Hues();
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [&hues](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, hues, s, d, w); });
 }
 
 KT_KERNEL(HsiToRgb) {
     (void)black;
     const SectorTable& sectors = Sectors();
-    return rows::WalkFast(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::WalkFast(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
                           [&sectors](auto o, const std::uint8_t* s, std::uint8_t* d, int w) KT_LAMBDA_INLINE {
                               ToRgbRow(o, sectors, s, d, w);
                           });

@@ -4,7 +4,6 @@
 
 namespace kt::color {
 namespace {
-constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr int kDegrees = 360;
 constexpr int kSextant = 60;
 constexpr int kFullTurnSectors = 6;
@@ -184,27 +183,20 @@ void FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
-// The AVX2 steps where the processor has them, the lane loops otherwise.
-template <class Vector, class Plain>
-KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
-                   int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-}
 }  // namespace
 
 KT_KERNEL(RgbToHsv) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::WalkAvx2Or(
+        rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(HsvToRgb) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::WalkAvx2Or(
+        rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbRow(o, s, d, w); });
 }

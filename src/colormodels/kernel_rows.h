@@ -64,6 +64,7 @@ struct Shape {
     int dstBits;
     int group = 1;
 };
+inline constexpr Shape kRgbToRgb{kBits24, kBits24};
 
 // Probes, then hands each row to row(order, src, dst, width) and steps over
 // both paddings. A row may return a status; the first one other than
@@ -101,6 +102,15 @@ KtStatus Walk(Shape shape, const std::uint8_t* src, std::uint8_t* dst, int width
 inline bool HasAvx2() noexcept {
     static const bool has = __builtin_cpu_supports("avx2");
     return has;
+}
+
+// Walks with the `vector` rows (AVX2 steps) where the processor has AVX2 and
+// with the `plain` rows otherwise.
+template <class Vector, class Plain>
+KtStatus WalkAvx2Or(Shape shape, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
+                    int dstPad, int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
+    if (HasAvx2()) return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
+    return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
 }
 
 template <class Row, class O>

@@ -96,7 +96,7 @@ int EncodeGammaExact(double v, double exponent) noexcept;
 // Rows: `rIndex` is the byte of red in an RGB pixel (0 or 2).
 void ForwardLabRow(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width, int rIndex) noexcept;
 // The same with a chosen instruction-set variant (tests run each).
-void ForwardLabRowWith(lanes::Isa isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width,
+void ForwardLabRowWith(Variant isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width,
                        int rIndex) noexcept;
 
 // Lab to RGB rows, with an encoder choosing the code of each linear value.
@@ -106,7 +106,7 @@ void InverseLabRow(const InverseLab& inv, const Encoder& enc, const std::uint8_t
 
 // Lab to RGB rows in lane loops with an exact threshold encoder; the same
 // results as InverseLabRow with that encoder.
-void InverseLabLanesWith(lanes::Isa isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
+void InverseLabLanesWith(Variant isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
                          std::uint8_t* dst, int width, int rIndex) noexcept;
 
 // The per-byte inputs of the inverse formula, the same for every table.

@@ -157,23 +157,23 @@ template <int RIndex>
 }
 
 template <int RIndex>
-void RowWith(lanes::Isa isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width) noexcept {
-    switch (lanes::Usable(isa)) {
-        case lanes::Isa::avx512: return RowAvx512<RIndex>(f, src, dst, width);
-        case lanes::Isa::avx2: return RowAvx2<RIndex>(f, src, dst, width);
-        case lanes::Isa::baseline: return RowPlain<RIndex>(f, src, dst, width);
+void RowWith(Variant isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width) noexcept {
+    switch (Usable(isa, Wide::base)) {
+        case Variant::avx512: return RowAvx512<RIndex>(f, src, dst, width);
+        case Variant::avx2: return RowAvx2<RIndex>(f, src, dst, width);
+        case Variant::plain: return RowPlain<RIndex>(f, src, dst, width);
     }
 }
 
 }  // namespace
 
-void ForwardLabRowWith(lanes::Isa isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width,
+void ForwardLabRowWith(Variant isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width,
                        int rIndex) noexcept {
     rIndex == 0 ? RowWith<0>(isa, f, src, dst, width) : RowWith<2>(isa, f, src, dst, width);
 }
 
 void ForwardLabRow(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width, int rIndex) noexcept {
-    ForwardLabRowWith(lanes::BestIsa(), f, src, dst, width, rIndex);
+    ForwardLabRowWith(lanes::BestLabVariant(), f, src, dst, width, rIndex);
 }
 
 }  // namespace kt::color

@@ -71,18 +71,18 @@ template <int RIndex>
 }
 
 template <int RIndex>
-void RowWith(lanes::Isa isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
+void RowWith(Variant isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
              std::uint8_t* dst, int width) noexcept {
-    switch (lanes::Usable(isa)) {
-        case lanes::Isa::avx512: return RowAvx512<RIndex>(inv, enc, src, dst, width);
-        case lanes::Isa::avx2: return RowAvx2<RIndex>(inv, enc, src, dst, width);
-        case lanes::Isa::baseline: return RowPlain<RIndex>(inv, enc, src, dst, width);
+    switch (Usable(isa, Wide::base)) {
+        case Variant::avx512: return RowAvx512<RIndex>(inv, enc, src, dst, width);
+        case Variant::avx2: return RowAvx2<RIndex>(inv, enc, src, dst, width);
+        case Variant::plain: return RowPlain<RIndex>(inv, enc, src, dst, width);
     }
 }
 
 }  // namespace
 
-void InverseLabLanesWith(lanes::Isa isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
+void InverseLabLanesWith(Variant isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
                          std::uint8_t* dst, int width, int rIndex) noexcept {
     rIndex == 0 ? RowWith<0>(isa, inv, enc, src, dst, width) : RowWith<2>(isa, inv, enc, src, dst, width);
 }

@@ -8,27 +8,12 @@
 #include <bit>
 #include <cstdint>
 
-#include "colormodels/kernel_rows.h"
+#include "colormodels/kernel_variants.h"
 
 namespace kt::color::lanes {
 
-enum class Isa { baseline, avx2, avx512 };
-
-inline Isa BestIsa() noexcept {
-    static const Isa best = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
-                                    __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl")
-                                ? Isa::avx512
-                            : __builtin_cpu_supports("avx2") ? Isa::avx2
-                                                             : Isa::baseline;
-    return best;
-}
-
-// The variant the processor can run closest to `wanted` (for tests that run
-// each variant).
-inline Isa Usable(Isa wanted) noexcept {
-    const Isa best = BestIsa();
-    return static_cast<int>(wanted) < static_cast<int>(best) ? wanted : best;
-}
+// The Lab rows' wide steps need no byte permutes.
+inline Variant BestLabVariant() noexcept { return BestVariant(Wide::base); }
 
 // cond ? a : b on the bits. The vectorizer takes it where a choice between
 // doubles would stop it (a choice that makes one side a constant invites

@@ -99,7 +99,7 @@ KT_KERNEL(LabToRgb) {
     const FormulaLab& f = Formula();
     return rows::Walk(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [&f](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          InverseLabLanesWith(lanes::BestIsa(), f.inverse, f.encoder, s, d, w, decltype(o)::r);
+                          InverseLabLanesWith(lanes::BestLabVariant(), f.inverse, f.encoder, s, d, w, decltype(o)::r);
                       });
 }
 

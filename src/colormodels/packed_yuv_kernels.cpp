@@ -95,9 +95,9 @@ template <const Layout422& At, class O>
 // Packed 4:2:2 to RGB in the variant asked for: AVX-512 steps, AVX2 steps,
 // or the lane loops.
 template <const Layout422& At>
-KtStatus Yuv422ToRgb(packed::Variant variant, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
+KtStatus Yuv422ToRgb(Variant variant, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
                      int srcPad, int dstPad, int rgbOrder) noexcept {
-    return packed::WalkVariant(
+    return WalkVariant(
         variant, k422ToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             packed512::ToRgbRow<At.y0, At.u, At.y1, At.v, decltype(o)>(s, d, w);
@@ -131,11 +131,11 @@ KT_KERNEL_WITH(packed::UyvyToRgbWith) {
 }
 
 KT_KERNEL(YuyvToRgb) {
-    return packed::YuyvToRgbWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    return packed::YuyvToRgbWith(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(UyvyToRgb) {
-    return packed::UyvyToRgbWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    return packed::UyvyToRgbWith(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(RgbToYuv411) {

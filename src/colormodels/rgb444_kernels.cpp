@@ -121,7 +121,7 @@ template <class O>
 
 KT_KERNEL_WITH(packed::RgbToRgb444With) {
     (void)black;
-    return packed::WalkVariant(
+    return WalkVariant(
         variant, kFromRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { rgb444_512::FromRgbRow<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
@@ -133,7 +133,7 @@ KT_KERNEL_WITH(packed::RgbToRgb444With) {
 
 KT_KERNEL_WITH(packed::Rgb444ToRgbWith) {
     (void)black;
-    return packed::WalkVariant(
+    return WalkVariant(
         variant, kToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { rgb444_512::ToRgbRow<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
@@ -144,11 +144,11 @@ KT_KERNEL_WITH(packed::Rgb444ToRgbWith) {
 }
 
 KT_KERNEL(RgbToRgb444) {
-    return packed::RgbToRgb444With(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    return packed::RgbToRgb444With(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(Rgb444ToRgb) {
-    return packed::Rgb444ToRgbWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    return packed::Rgb444ToRgbWith(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 }  // namespace kt::color

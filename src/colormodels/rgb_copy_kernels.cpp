@@ -5,7 +5,6 @@
 
 namespace kt::color {
 namespace {
-constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr std::uint8_t kFull = 255;
 
 // Swaps bytes 0 and 2 of every pixel. Each pixel is read whole before it is
@@ -87,7 +86,7 @@ void InvertToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexce
 // copied by the callers), so it always swaps, whatever the flag says.
 KT_KERNEL(RgbToRgbCopy) {
     (void)black;
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [](auto, const std::uint8_t* s, std::uint8_t* d, int w) {
                           ShuffleRow({true, false}, s, d, w, SwapRow);
                       });
@@ -95,7 +94,7 @@ KT_KERNEL(RgbToRgbCopy) {
 
 KT_KERNEL(RgbToCmy) {
     (void)black;
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
                           ShuffleRow({o.r != 0, true}, s, d, w, [o](auto... a) { InvertRow(o, a...); });
                       });
@@ -103,7 +102,7 @@ KT_KERNEL(RgbToCmy) {
 
 KT_KERNEL(CmyToRgb) {
     (void)black;
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
                           ShuffleRow({o.r != 0, true}, s, d, w, [o](auto... a) { InvertToRgbRow(o, a...); });
                       });

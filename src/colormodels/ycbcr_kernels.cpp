@@ -4,7 +4,6 @@
 
 namespace kt::color {
 namespace {
-constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr double kFull = 255.0;
 constexpr double kChromaLow = -128.0, kChromaHigh = 127.0;
 
@@ -140,32 +139,25 @@ void FromRgbAvx512(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
-// The AVX2 steps where the processor has them, the lane loops otherwise.
-template <class Vector, class Plain>
-KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
-                   int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-}
 }  // namespace
 
 KT_KERNEL_WITH(affine::RgbToYcbcrWith) {
     (void)black;
-    return affine::WalkVariant(
-        variant, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return WalkVariant(
+        variant, rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx512<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL(RgbToYcbcr) {
-    return affine::RgbToYcbcrWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    return affine::RgbToYcbcrWith(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(YcbcrToRgb) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::WalkAvx2Or(
+        rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbRow(o, s, d, w); });
 }

@@ -8,7 +8,6 @@
 
 namespace kt::color {
 namespace {
-constexpr rows::Shape kRgbToRgb{rows::kBits24, rows::kBits24};
 constexpr double kFull = 255.0;
 
 // YUV chroma spans: U over 223 around 112, V over 275 around 138.
@@ -236,19 +235,12 @@ void FromRgbAvx512(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 }
 #pragma GCC pop_options
 
-// The AVX2 steps where the processor has them, the lane loops otherwise.
-template <class Vector, class Plain>
-KtStatus WalkSteps(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
-                   int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (rows::HasAvx2()) return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-}
 }  // namespace
 
 KT_KERNEL_WITH(affine::RgbToYuvWith) {
     (void)black;
-    return affine::WalkVariant(
-        variant, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return WalkVariant(
+        variant, rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             FromRgbAvx512<decltype(o), kYuvFixed, LumaSum, YuvUSum, YuvVSum>(s, d, w);
         },
@@ -259,21 +251,21 @@ KT_KERNEL_WITH(affine::RgbToYuvWith) {
 }
 
 KT_KERNEL(RgbToYuv) {
-    return affine::RgbToYuvWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    return affine::RgbToYuvWith(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(YuvToRgb) {
     (void)black;
-    return WalkSteps(
-        src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::WalkAvx2Or(
+        rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YuvToRgbAvx2<decltype(o)>(s, d, w); },
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YuvToRgbRow(o, s, d, w); });
 }
 
 KT_KERNEL_WITH(affine::RgbToYiqWith) {
     (void)black;
-    return affine::WalkVariant(
-        variant, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return WalkVariant(
+        variant, rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
         [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
             FromRgbAvx512<decltype(o), kYiqFixed, YiqYSum, YiqISum, YiqQSum>(s, d, w);
         },
@@ -284,12 +276,12 @@ KT_KERNEL_WITH(affine::RgbToYiqWith) {
 }
 
 KT_KERNEL(RgbToYiq) {
-    return affine::RgbToYiqWith(affine::BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    return affine::RgbToYiqWith(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
 }
 
 KT_KERNEL(YiqToRgb) {
     (void)black;
-    return rows::Walk(kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { YiqToRgbRow(o, s, d, w); });
 }
 

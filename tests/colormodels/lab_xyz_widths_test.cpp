@@ -122,7 +122,7 @@ void CheckVariants(const Bytes& px, const char* name, RefPixel ref, const Row& r
     for (int order : {1, 0}) {
         Bytes want(px.size());
         for (int x = 0; x < width; ++x) ref(&px[3 * x], &want[3 * x], order);
-        for (auto isa : {color::lanes::Isa::baseline, color::lanes::Isa::avx2, color::lanes::Isa::avx512}) {
+        for (auto isa : {color::Variant::plain, color::Variant::avx2, color::Variant::avx512}) {
             Bytes got(px.size());
             row(isa, px.data(), got.data(), width, order ? 0 : 2);
             int bad = 0, first = -1;
@@ -141,14 +141,14 @@ TEST(LabXyzWidths, EveryInstructionSetVariantOfTheLabRows) {
     color::BuildForwardLab(forward.get(), 2.2222222222222223, color::kInitWhitePoint, color::kRgbToXyzMatrix);
     EXPECT_TRUE(forward->bounded);
     CheckVariants(px, "rgb->lab", FromRgb<ktref::RgbToLab>,
-                  [&](color::lanes::Isa isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
+                  [&](color::Variant isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
                       color::ForwardLabRowWith(isa, *forward, s, d, w, rIndex);
                   });
     // The same rows with the range of t checked, as for tables that do not
     // bound it.
     forward->bounded = false;
     CheckVariants(px, "rgb->lab, range checked", FromRgb<ktref::RgbToLab>,
-                  [&](color::lanes::Isa isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
+                  [&](color::Variant isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
                       color::ForwardLabRowWith(isa, *forward, s, d, w, rIndex);
                   });
 
@@ -159,7 +159,7 @@ TEST(LabXyzWidths, EveryInstructionSetVariantOfTheLabRows) {
     auto encoder = std::make_unique<color::GammaEncoder>();
     color::BuildGammaEncoder(encoder.get(), 0.45);
     CheckVariants(px, "lab->rgb", ToRgb<ktref::LabToRgb>,
-                  [&](color::lanes::Isa isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
+                  [&](color::Variant isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
                       color::InverseLabLanesWith(isa, inverse, *encoder, s, d, w, rIndex);
                   });
 }

@@ -20,10 +20,12 @@
 namespace kt {
 namespace {
 
-using color::packed::Variant;
+using color::Variant;
 using ref::Px3;
 
-using VariantKernel = KtStatus (*)(Variant, const std::uint8_t*, std::uint8_t*, int, int, int, int, int, int) noexcept;
+using test::Name;
+using test::VariantKernel;
+using test::Variants;
 // The reference over one unpadded row.
 using RefRow = void (*)(const std::uint8_t*, std::uint8_t*, std::int64_t width, int order);
 
@@ -65,21 +67,6 @@ constexpr Case kUyvy{"uyvy->rgb", color::packed::UyvyToRgbWith, Yuv422Row<1, 0, 
 constexpr Case kFrom444{"rgb->rgb444", color::packed::RgbToRgb444With, FromRgbRow, 3, 2, 1};
 constexpr Case kTo444{"rgb444->rgb", color::packed::Rgb444ToRgbWith, ToRgbRow, 2, 3, 1};
 constexpr Case kCases[] = {kYuyv, kUyvy, kFrom444, kTo444};
-
-const char* Name(Variant v) {
-    static const char* const names[] = {"plain", "avx2", "avx512"};
-    return names[static_cast<int>(v)];
-}
-
-// The variants this processor runs as themselves.
-std::vector<Variant> Variants() {
-    std::vector<Variant> all;
-    for (Variant v : {Variant::plain, Variant::avx2, Variant::avx512}) {
-        if (color::affine::Usable(v) == v) all.push_back(v);
-        else std::printf("variant %s: not on this processor\n", Name(v));
-    }
-    return all;
-}
 
 // Runs the case over an unpadded image of `pixels` pixels as rows of
 // `width`, on two threads, against the reference in both orders.

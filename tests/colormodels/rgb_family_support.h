@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdio>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "colormodels/kernel_variants.h"
 #include "colormodels/kernels.h"
 
 namespace kt::test {
@@ -26,6 +28,25 @@ inline std::vector<std::uint8_t> AllTriples() {
         v[3 * i + 2] = static_cast<std::uint8_t>(i);
     }
     return v;
+}
+
+// A kernel that takes its instruction-set variant.
+using VariantKernel = KtStatus (*)(color::Variant, const std::uint8_t*, std::uint8_t*, int, int, int, int, int,
+                                   int) noexcept;
+
+inline const char* Name(color::Variant v) {
+    static const char* const names[] = {"plain", "avx2", "avx512"};
+    return names[static_cast<int>(v)];
+}
+
+// The variants this processor runs as themselves.
+inline std::vector<color::Variant> Variants() {
+    std::vector<color::Variant> all;
+    for (color::Variant v : {color::Variant::plain, color::Variant::avx2, color::Variant::avx512}) {
+        if (color::Usable(v) == v) all.push_back(v);
+        else std::printf("variant %s: not on this processor\n", Name(v));
+    }
+    return all;
 }
 
 // Runs body(first, last) over [0, n) on two threads.

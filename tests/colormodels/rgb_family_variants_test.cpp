@@ -21,10 +21,12 @@
 namespace kt {
 namespace {
 
-using color::affine::Variant;
+using color::Variant;
 using ref::Px3;
 
-using VariantKernel = KtStatus (*)(Variant, const std::uint8_t*, std::uint8_t*, int, int, int, int, int, int) noexcept;
+using test::Name;
+using test::VariantKernel;
+using test::Variants;
 using Forward = Px3 (*)(int, int, int);
 
 struct Case {
@@ -38,21 +40,6 @@ constexpr Case kCases[] = {
     {"rgb->yuv", color::affine::RgbToYuvWith, ref::RgbToYuv},
     {"rgb->yiq", color::affine::RgbToYiqWith, ref::RgbToYiq},
 };
-
-const char* Name(Variant v) {
-    static const char* const names[] = {"plain", "avx2", "avx512"};
-    return names[static_cast<int>(v)];
-}
-
-// The variants this processor runs as themselves.
-std::vector<Variant> Variants() {
-    std::vector<Variant> all;
-    for (Variant v : {Variant::plain, Variant::avx2, Variant::avx512}) {
-        if (color::affine::Usable(v) == v) all.push_back(v);
-        else std::printf("variant %s: not on this processor\n", Name(v));
-    }
-    return all;
-}
 
 // The reference's bytes of pixels read as R, G, B in the flag's order.
 void Reference(Forward f, const std::uint8_t* in, std::uint8_t* out, std::int64_t pixels, int order) {
