@@ -8,6 +8,7 @@
 #include "ktclr/convert.h"
 #include "ktclr/embedded.h"
 #include "ktclr/icc.h"
+#include "ktclr/storage.h"
 #include "ktclr/bitmap.h"
 #include "ktclr/narrow.h"
 
