@@ -7,6 +7,7 @@ enum KtStatusCode {
     STATUS_OK = 1,
     ERR_NO_MEMORY = -1,
     ERR_ALLOC = -3,
+    ERR_FILE_SEEK = -4,                /* a file position could not be reached while moving bytes */
     ERR_FILE_WRITE = -5,
     ERR_FILE_READ = -7,
     ERR_FILE_NOT_FOUND = -8,
