@@ -1,5 +1,6 @@
 #include "platform/narrow_text.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <cwchar>
@@ -69,16 +70,14 @@ KtStatus NarrowToWide(const char* src, std::size_t srcLimit, char16_t* dst, std:
     if (!src) return ERR_INVALID_PARAMETER;
     Utf16Sink sink{dst, capacity};
     bool terminated = false;
-    if (!Decode(src, srcLimit, terminated, [&](char32_t c) { return sink(c); })) {
-        dst[0] = 0;
-        return ERR_NO_UNICODE_TRANSLATION;
-    }
-    if (!terminated || sink.count >= capacity) {
-        dst[0] = 0;
-        return ERR_BUFFER_TOO_SMALL;
-    }
-    dst[sink.count] = 0;
-    return STATUS_OK;
+    KtStatus status = STATUS_OK;
+    if (!Decode(src, srcLimit, terminated, [&](char32_t c) { return sink(c); }))
+        status = ERR_NO_UNICODE_TRANSLATION;
+    else if (!terminated || sink.count >= capacity)
+        status = ERR_BUFFER_TOO_SMALL;
+    // A failure leaves no partial string behind.
+    std::fill(dst + (status == STATUS_OK ? sink.count : 0), dst + std::min(sink.count + 1, capacity), u'\0');
+    return status;
 }
 
 KtStatus WideToNarrow(const char16_t* src, std::size_t srcLimit, char* dst, std::size_t capacity) noexcept {
@@ -94,6 +93,10 @@ KtStatus WideToNarrow(const char16_t* src, std::size_t srcLimit, char* dst, std:
         at += n;
         return true;
     };
+    auto tooSmall = [&] {
+        std::memset(dst, 0, at);  // no partial string behind
+        return ERR_BUFFER_TOO_SMALL;
+    };
     char bytes[MB_LEN_MAX];
     for (std::size_t i = 0; i < srcLimit && src[i]; ++i) {
         char32_t c = src[i];
@@ -108,17 +111,11 @@ KtStatus WideToNarrow(const char16_t* src, std::size_t srcLimit, char* dst, std:
             bytes[0] = '?';
             n = 1;
         }
-        if (!append(bytes, n)) {
-            dst[0] = 0;
-            return ERR_BUFFER_TOO_SMALL;
-        }
+        if (!append(bytes, n)) return tooSmall();
     }
     // Back to the initial shift state (nothing to add in stateless encodings).
     const std::size_t n = std::wcrtomb(bytes, L'\0', &state);
-    if (n != static_cast<std::size_t>(-1) && n > 1 && !append(bytes, n - 1)) {
-        dst[0] = 0;
-        return ERR_BUFFER_TOO_SMALL;
-    }
+    if (n != static_cast<std::size_t>(-1) && n > 1 && !append(bytes, n - 1)) return tooSmall();
     dst[at] = 0;
     return substituted ? ERR_DEFAULT_CHAR_USED : STATUS_OK;
 }

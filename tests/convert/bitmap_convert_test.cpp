@@ -58,27 +58,33 @@ Bytes RowByRow(ClrHandle* h, const Bytes& src, int bits, std::size_t stride, int
 }
 
 // The engine's kernels take the alignments as row padding; ICC rows are
-// rounded up to them. Both kinds of rows land on the bitmap's own.
-TEST(BitmapConvert, ToBitmapHoldsTheConvertedRows) {
+// rounded up to them. Either way the rows land on the bitmap's own, and
+// Vx_ClrConvertDirect's paddings likewise.
+TEST(BitmapConvert, IntoABitmapHoldsTheConvertedRows) {
     const struct {
         int src, dst, bits;
         std::uint32_t method;
         int srcAlign;
-        bool iccRows;
+        bool direct;
     } cases[] = {
-        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 1, false},  {CS_YIQ, CS_BGR, 24, METHOD_BUILTIN, 5, false},
-        {CS_CMYK, CS_BGR, 32, METHOD_BUILTIN, 2, false}, {CS_YUV422_YUYV, CS_RGB, 16, METHOD_BUILTIN, 3, false},
-        {CS_CMYK, CS_RGB, 32, METHOD_ICC, 4, true},
+        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 1, false},     {CS_YIQ, CS_BGR, 24, METHOD_BUILTIN, 5, false},
+        {CS_CMYK, CS_BGR, 32, METHOD_BUILTIN, 2, false},    {CS_YUV422_YUYV, CS_RGB, 16, METHOD_BUILTIN, 3, false},
+        {CS_CMYK, CS_RGB, 32, METHOD_ICC, 4, false},        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 0, true},
+        {CS_YCBCR, CS_BGR, 24, METHOD_BUILTIN, 3, true},    {CS_RGB444, CS_BGR, 16, METHOD_BUILTIN, 2, true},
     };
     for (const auto& c : cases) {
         Handle h(c.src, c.dst, c.method);
+        const bool iccRows = c.method == METHOD_ICC;
         for (int width = 1; width <= 6; ++width) {
             if (c.src == CS_YUV422_YUYV && width % 2) continue;
-            const int dstAlign = c.iccRows ? 4 : DibPad(width);
-            const std::size_t stride = (c.bits * width + 7) / 8 + (c.iccRows ? 0 : c.srcAlign);
+            const int dstAlign = iccRows ? 4 : DibPad(width);
+            const std::size_t stride = (c.bits * width + 7) / 8 + (iccRows ? 0 : c.srcAlign);
             Bytes src = Random(stride * kHeight + 8, width);
             Bitmap bmp;
-            ASSERT_EQ(Vx_ClrConvertToBitmap(h.h, src.data(), &bmp.b, kSize, width, kHeight, c.srcAlign, dstAlign),
+            ASSERT_EQ(c.direct ? Vx_ClrConvertDirectToBitmap(c.src, c.dst, src.data(), &bmp.b, kSize, width, kHeight,
+                                                             c.srcAlign, dstAlign)
+                               : Vx_ClrConvertToBitmap(h.h, src.data(), &bmp.b, kSize, width, kHeight, c.srcAlign,
+                                                       dstAlign),
                       STATUS_OK);
             ASSERT_EQ(bmp.b.width, width);
             ASSERT_EQ(bmp.b.height, kHeight);
@@ -86,27 +92,7 @@ TEST(BitmapConvert, ToBitmapHoldsTheConvertedRows) {
             EXPECT_EQ(bmp.b.colorOrder, VX_BMP_ORDER_DIB);
             for (int y = 0; y < kHeight; ++y)
                 EXPECT_EQ(bmp.Row(y, width), RowByRow(h.h, src, c.bits, stride, width, y))
-                    << c.src << " width " << width << " row " << y;
-        }
-    }
-}
-
-TEST(BitmapConvert, DirectToBitmapHoldsTheConvertedRows) {
-    const struct {
-        int src, dst, bits, srcPad;
-    } cases[] = {{CS_HSV, CS_RGB, 24, 0}, {CS_YCBCR, CS_BGR, 24, 3}, {CS_CMYK, CS_RGB, 32, 1}, {CS_RGB444, CS_BGR, 16, 2}};
-    for (const auto& c : cases) {
-        Handle h(c.src, c.dst);
-        for (int width = 1; width <= 6; ++width) {
-            const std::size_t stride = (c.bits * width + 7) / 8 + c.srcPad;
-            Bytes src = Random(stride * kHeight, width + 10);
-            Bitmap bmp;
-            ASSERT_EQ(Vx_ClrConvertDirectToBitmap(c.src, c.dst, src.data(), &bmp.b, kSize, width, kHeight, c.srcPad,
-                                                  DibPad(width)),
-                      STATUS_OK);
-            for (int y = 0; y < kHeight; ++y)
-                EXPECT_EQ(bmp.Row(y, width), RowByRow(h.h, src, c.bits, stride, width, y))
-                    << c.src << " width " << width << " row " << y;
+                    << c.src << (c.direct ? " direct" : "") << " width " << width << " row " << y;
         }
     }
 }
@@ -229,17 +215,14 @@ TEST(BitmapConvert, DirectToBitmapStatusesInOrder) {
 TEST(BitmapConvert, ConvertBitmapStatusesInOrder) {
     Handle hsv(CS_RGB, CS_HSV);
     MappedPages none(1, Access::none);
-    auto make = [](Bitmap& b, int height, int bits, int order) {
-        ASSERT_EQ(Vx_BmpCreate(&b.b, kSize, 2, height, bits, order), STATUS_OK);
-    };
     Bitmap a, tall, deep, rgb, dib, gray, gray2, empty;
-    make(a, 2, 24, VX_BMP_ORDER_BGR);
-    make(tall, 3, 24, VX_BMP_ORDER_BGR);
-    make(deep, 2, 32, VX_BMP_ORDER_BGR);
-    make(rgb, 2, 24, VX_BMP_ORDER_RGB);
-    make(dib, 2, 24, VX_BMP_ORDER_DIB);
-    make(gray, 2, 24, VX_BMP_ORDER_GRAY);
-    make(gray2, 2, 24, VX_BMP_ORDER_GRAY);
+    const struct {
+        Bitmap* b;
+        int height, bits, order;
+    } made[] = {{&a, 2, 24, VX_BMP_ORDER_BGR},   {&tall, 3, 24, VX_BMP_ORDER_BGR},  {&deep, 2, 32, VX_BMP_ORDER_BGR},
+                {&rgb, 2, 24, VX_BMP_ORDER_RGB}, {&dib, 2, 24, VX_BMP_ORDER_DIB},   {&gray, 2, 24, VX_BMP_ORDER_GRAY},
+                {&gray2, 2, 24, VX_BMP_ORDER_GRAY}};
+    for (const auto& m : made) ASSERT_EQ(Vx_BmpCreate(&m.b->b, kSize, 2, m.height, m.bits, m.order), STATUS_OK);
     const struct {
         ClrHandle* handle;
         BitmapHandle *src, *dst;
