@@ -2,6 +2,7 @@
 // hostile lengths, each pinned by its status and the bytes it yields.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "handmade.h"
@@ -122,6 +123,24 @@ TEST(HandmadeFiles, YieldTheirProfileOrStatus) {
         const Loaded loaded = Load(path);
         EXPECT_EQ(loaded.status, c.status);
         EXPECT_EQ(loaded.bytes, c.profile);
+    }
+}
+
+// Every prefix of every case (a file cut anywhere) ends in a status of the
+// loader's own, never outside the file's bytes (the sanitizer build watches).
+TEST(HandmadeFiles, EveryTruncationEndsInAStatus) {
+    ScratchDir dir;
+    const std::string path = dir.File("cut");
+    const KtStatus allowed[] = {STATUS_OK, ERR_NO_ICC_PROFILE, ERR_FILE_READ, ERR_FORMAT_NOT_SUPPORTED,
+                                ERR_PROFILE_SEGMENT_READ, ERR_CHUNK_TOO_LARGE, ERR_RIFF_SHORT_READ};
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        for (std::size_t n = 0; n < c.file.size(); n += 1 + n / 16) {
+            WriteAll(path, Bytes(c.file.begin(), c.file.begin() + static_cast<std::ptrdiff_t>(n)));
+            const Loaded loaded = Load(path);
+            EXPECT_NE(std::find(std::begin(allowed), std::end(allowed), loaded.status), std::end(allowed))
+                << n << " bytes: " << loaded.status;
+        }
     }
 }
 
