@@ -47,6 +47,14 @@ TEST_F(LoadStatus, ArgumentsAndFiles) {
     record.structSize = 28;
     EXPECT_EQ(Vx_LoadICCProfile(Name(jpeg), &record, nullptr), ERR_BAD_STRUCT_SIZE);
     EXPECT_EQ(Vx_HasICCProfile(nullptr, nullptr), 0);
+    record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
+    Vx_LoadFileOptions options{KTCLR_SIZEOF_LOAD_FILE_OPTIONS + 4, 0};
+    EXPECT_EQ(Vx_LoadICCProfile(Name(jpeg), &record, &options), ERR_BAD_STRUCT_SIZE);
+    options = {KTCLR_SIZEOF_LOAD_FILE_OPTIONS, 1};
+    EXPECT_EQ(Vx_LoadICCProfile(Name(jpeg), &record, &options), ERR_INVALID_PARAMETER);
+    options.flags = 0;
+    EXPECT_EQ(Vx_LoadICCProfile(Name(jpeg), &record, &options), STATUS_OK);
+    Vx_FreeICCProfile(&record);
 
     mkdir(dir_.File("folder").c_str(), 0755);
     const struct {
