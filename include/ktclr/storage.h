@@ -93,6 +93,7 @@ KTCLR_API KtStatus Vx_HasICCProfile(const KtChar16* fileName, const Vx_LoadFileO
  *                              made beside it, or the backup cannot be made
  *   ERR_FILE_WRITE             writing, flushing or renaming failed (a full
  *                              disk); a classic TIFF would pass 4 GiB
+ *   ERR_INVALID_PARAMETER      the backup name names the file itself
  *   ERR_NO_MEMORY              an allocation failed
  *   8 (positive)               JPEG: the segment buffer cannot be allocated
  *   ERR_CHUNK_TOO_LARGE, ERR_RIFF_SHORT_READ, ERR_FILE_SEEK, -9 (the file
