@@ -6,8 +6,8 @@ set -eu
 pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev"
 if [ "${1:-}" = "--tests" ]; then
   pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll"
-  # Independent readers and writers of image files for the storage tests.
-  pkgs="$pkgs libimage-exiftool-perl imagemagick libjpeg-turbo-progs libtiff-tools webp"
+  # Witnesses of the image-file tests: they make and read images with these.
+  pkgs="$pkgs libimage-exiftool-perl imagemagick libjpeg-turbo-progs webp libtiff-tools"
 fi
 missing=""
 for p in $pkgs; do

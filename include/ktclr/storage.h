@@ -46,7 +46,9 @@ typedef struct Vx_SaveFileOptions {
  * caller still owns it. loadOptions may be null.
  * Returns STATUS_OK, or:
  *   ERR_INVALID_PARAMETER      fileName or profile null
- *   ERR_BAD_STRUCT_SIZE        profile->structSize is not 32
+ *   ERR_BAD_STRUCT_SIZE        profile->structSize is not 32, or loadOptions'
+ *                              structSize is not KTCLR_SIZEOF_LOAD_FILE_OPTIONS
+ *   ERR_INVALID_PARAMETER      (also) loadOptions->flags is not 0
  *   ERR_FILE_NOT_FOUND         no file of that name
  *   ERR_FILE_READ              the file cannot be opened or read, or is short
  *                              where data is required

@@ -25,9 +25,11 @@ KtStatus RunReader(int32_t format, file::File& f, Gather& gather) noexcept {
     }
 }
 
-KtStatus Load(const char16_t* fileName, ICCProfileRecord* profile) noexcept {
+KtStatus Load(const char16_t* fileName, ICCProfileRecord* profile, const Vx_LoadFileOptions* options) noexcept {
     if (!fileName || !profile) return ERR_INVALID_PARAMETER;
     if (profile->structSize != KTCLR_SIZEOF_ICC_PROFILE_RECORD) return ERR_BAD_STRUCT_SIZE;
+    if (options && options->structSize != KTCLR_SIZEOF_LOAD_FILE_OPTIONS) return ERR_BAD_STRUCT_SIZE;
+    if (options && options->flags != 0) return ERR_INVALID_PARAMETER;
     uint8_t* earlierData = nullptr;
     uint32_t earlierSize = 0;
     if (profile->profileSize != 0) {
@@ -60,8 +62,8 @@ KtStatus Load(const char16_t* fileName, ICCProfileRecord* profile) noexcept {
 }  // namespace kt::storage
 
 extern "C" KTCLR_API KtStatus Vx_LoadICCProfile(const KtChar16* fileName, ICCProfileRecord* profile,
-                                                const Vx_LoadFileOptions*) {
-    return kt::storage::Load(fileName, profile);
+                                                const Vx_LoadFileOptions* loadOptions) {
+    return kt::storage::Load(fileName, profile, loadOptions);
 }
 
 extern "C" KTCLR_API KtStatus Vx_HasICCProfile(const KtChar16* fileName, const Vx_LoadFileOptions* loadOptions) {

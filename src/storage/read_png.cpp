@@ -35,9 +35,11 @@ KtStatus ReadPngProfile(file::File& file, Gather& gather) noexcept {
     LockLoader();
     if (!g_loader.IsLoaded() && g_loader.LoadLib(0, 8, KTCLR_PNG_CODEC_MODULE))
         g_loader.AddFunction(KTCLR_PNG_CODEC_FUNCTION);
-    UnlockLoader();
-    if (!g_loader.IsFunctionOk(KTCLR_PNG_CODEC_FUNCTION)) return ERR_CODEC_FUNCTION_MISSING;
+    // Taken under the lock so no thread reads the table while another fills
+    // it; the call itself runs outside.
     auto extract = reinterpret_cast<KtPngExtractICCProfile>(g_loader.GetFunction(KTCLR_PNG_CODEC_FUNCTION));
+    UnlockLoader();
+    if (!extract) return ERR_CODEC_FUNCTION_MISSING;
     if (!file.Seek(0)) return ERR_FILE_READ;
     uint8_t* buffer = nullptr;
     uint32_t size = 0;
