@@ -39,9 +39,9 @@ struct Record {
 
 // A small JPEG without a profile, made by cjpeg.
 std::string BaseJpeg(const ScratchDir& dir) {
-    test::WriteFile(dir / "base.ppm", "P6 4 4 255\n" + std::string(48, '\x80'));
-    EXPECT_EQ(test::Run("cjpeg -outfile '" + (dir / "base.jpg") + "' '" + (dir / "base.ppm") + "'"), 0);
-    return test::ReadFile(dir / "base.jpg");
+    test::WriteFile(dir.File("base.ppm"), "P6 4 4 255\n" + std::string(48, '\x80'));
+    EXPECT_EQ(test::Run("cjpeg -outfile '" + (dir.File("base.jpg")) + "' '" + (dir.File("base.ppm")) + "'"), 0);
+    return test::ReadFile(dir.File("base.jpg"));
 }
 
 TEST(NarrowFiles, Utf8NamesReachTheSameFiles) {
@@ -54,7 +54,7 @@ TEST(NarrowFiles, Utf8NamesReachTheSameFiles) {
     const char* names[] = {"caf\xC3\xA9 r\xC3\xA9sum\xC3\xA9", "\xE8\x89\xB2\xE5\xBD\xA9\xE6\xBC\xA2", "plain"};
     for (const std::string name : names) {
         // Generate by narrow name, read back by wide name; and the reverse.
-        const std::string icc = dir / (name + ".icc"), icc2 = dir / (name + "2.icc");
+        const std::string icc = dir.File(name + ".icc"), icc2 = dir.File(name + "2.icc");
         EXPECT_EQ(Vx_GenerateICCFileA(const_cast<ICCProfileRecord*>(&source.r), icc.c_str()), STATUS_OK);
         EXPECT_EQ(Record(icc).Bytes(), profile);
         EXPECT_EQ(Vx_GenerateICCFile(const_cast<ICCProfileRecord*>(&source.r), W(test::Wide(icc2))), STATUS_OK);
@@ -63,7 +63,7 @@ TEST(NarrowFiles, Utf8NamesReachTheSameFiles) {
         EXPECT_EQ(filled.Bytes(), profile);
 
         // Save with a narrow backup name, load and ask by narrow name.
-        const std::string jpg = dir / (name + ".jpg"), backup = dir / (name + ".orig.jpg");
+        const std::string jpg = dir.File(name + ".jpg"), backup = dir.File(name + ".orig.jpg");
         test::WriteFile(jpg, base);
         EXPECT_EQ(Vx_HasICCProfileA(jpg.c_str(), nullptr), 0);
         const Vx_SaveFileOptionsA options{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0, backup.c_str()};
@@ -81,7 +81,7 @@ TEST(NarrowFiles, Statuses) {
     ScratchDir dir;
     Record source(kProfile);
     BaseJpeg(dir);
-    const std::string jpg = dir / "base.jpg", utf8 = dir / "caf\xC3\xA9.icc", bad = dir / "bad\xFF.icc";
+    const std::string jpg = dir.File("base.jpg"), utf8 = dir.File("caf\xC3\xA9.icc"), bad = dir.File("bad\xFF.icc");
     test::MappedPages none(1, test::MappedPages::Access::none);
     const auto* unreadable = reinterpret_cast<const Vx_SaveFileOptionsA*>(none.data());
     const Vx_SaveFileOptionsA badBackup{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0, bad.c_str()};
@@ -126,7 +126,7 @@ TEST(NarrowFiles, AllocationFailuresLeakNothing) {
     ScratchDir dir;
     Record source(kProfile);
     const std::string base = BaseJpeg(dir);
-    const std::string icc = dir / "\xE6\xBC\xA2.icc", jpg = dir / "\xE6\xBC\xA2.jpg", backup = dir / "b\xC3\xA9.jpg";
+    const std::string icc = dir.File("\xE6\xBC\xA2.icc"), jpg = dir.File("\xE6\xBC\xA2.jpg"), backup = dir.File("b\xC3\xA9.jpg");
     ASSERT_EQ(Vx_GenerateICCFileA(&source.r, icc.c_str()), STATUS_OK);
     const Vx_SaveFileOptionsA options{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0, backup.c_str()};
     const auto loadInto = [&](auto load) {
