@@ -36,10 +36,6 @@ TEST(Bitmap, CreatePadsRowsToFourBytes) {
     for (const Row& r : rows) {
         BitmapHandle b;
         ASSERT_EQ(Vx_BmpCreate(&b, kSize, r.width, 3, r.bits, VX_BMP_ORDER_RGB), STATUS_OK);
-        EXPECT_EQ(b.structSize, kSize);
-        EXPECT_EQ(b.width, r.width);
-        EXPECT_EQ(b.height, 3);
-        EXPECT_EQ(b.bitsPerPixel, r.bits);
         EXPECT_EQ(b.bytesPerLine, r.bytesPerLine) << r.width << "x" << r.bits;
         EXPECT_EQ(b.flags, VX_BMP_HAS_DATA);
         EXPECT_EQ(std::vector<std::uint8_t>(b.data, b.data + 3 * r.bytesPerLine),
@@ -107,12 +103,10 @@ TEST(Bitmap, FillStatuses) {
     const Row rows[] = {
         {Header(2, 2), nullptr, ERR_INVALID_PARAMETER},
         {with(Header(2, 2), [](auto& h) { h.size = 39; }), bits, ERR_BAD_STRUCT_SIZE},
-        {with(Header(2, 2), [](auto& h) { h.size = 40; }), bits, STATUS_OK},
         {with(Header(2, 2), [](auto& h) { h.planes = 2; }), bits, ERR_INVALID_PARAMETER},
         {with(Header(2, 2), [](auto& h) { h.compression = 1; }), bits, ERR_INVALID_PARAMETER},
         {with(Header(2, 2), [](auto& h) { h.colorsUsed = 1; }), bits, ERR_INVALID_PARAMETER},
         {Header(2, 2, 8), bits, ERR_INVALID_PARAMETER},
-        {Header(2, 2, 32), bits, STATUS_OK},
         {Header(0, 2), bits, ERR_BAD_SIZE},
         {Header(2, 0), bits, ERR_BAD_SIZE},
         // Rows 8 bytes apart, the last without its padding: 14 bytes.

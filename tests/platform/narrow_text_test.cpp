@@ -7,7 +7,6 @@
 #include <string>
 
 #include "ktclr/status.h"
-#include "support/alloc_failures.h"
 #include "support/scoped_locale.h"
 
 namespace kt::text {
@@ -96,16 +95,6 @@ TEST(NarrowText, DuplicateWide) {
     EXPECT_FALSE(DuplicateWide("bad\xFF", &wide, mem::Module::ktclr));
     EXPECT_EQ(wide, nullptr);
 
-    const auto before = mem::testing::LiveBlocksTotal();
-    test::ForEachAllocationFailure(
-        [&] {
-            char16_t* w = nullptr;
-            const bool ok = DuplicateWide("caf\xC3\xA9", &w, mem::Module::ktclr);
-            FreeWide(w, mem::Module::ktclr);
-            return ok ? STATUS_OK : ERR_NO_MEMORY;
-        },
-        [](int, int status) { EXPECT_EQ(status, ERR_NO_MEMORY); });
-    EXPECT_EQ(mem::testing::LiveBlocksTotal(), before);
 }
 
 }  // namespace
