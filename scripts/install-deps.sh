@@ -3,9 +3,9 @@
 # --tests also what the test suite uses (GoogleTest and the ICC profiles of
 # Debian's colour packages). Runs apt only when something is missing.
 set -eu
-pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev"
+pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev libwebp-dev libcli11-dev"
 if [ "${1:-}" = "--tests" ]; then
-  pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll"
+  pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll liblcms2-utils libtiff-tools imagemagick libimage-exiftool-perl"
 fi
 missing=""
 for p in $pkgs; do
