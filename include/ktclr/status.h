@@ -47,7 +47,8 @@ enum KtStatusCode {
     ERR_NO_UNICODE_TRANSLATION = -1488,  /* a narrow/wide string conversion is impossible */
     ERR_DEFAULT_CHAR_USED = -1851,       /* a narrow string conversion substituted a default character */
     ERR_TIFF_NOT_TIFF = -1872,           /* custom emulation table: not a TIFF file */
-    ERR_CHUNK_TOO_LARGE = -1859          /* a RIFF chunk runs past the end of the file */
+    ERR_CHUNK_TOO_LARGE = -1859,         /* a RIFF chunk runs past the end of the file */
+    ERR_RIFF_SHORT_READ = -1920          /* a RIFF chunk head or chunk is cut short by the end of the file */
 };
 
 KTCLR_EXTERN_C_BEGIN

@@ -52,6 +52,7 @@ constexpr StatusWords kStatuses[] = {
     {ERR_DEFAULT_CHAR_USED, "ERR_DEFAULT_CHAR_USED", "a character had no narrow form and was replaced"},
     {ERR_CHUNK_TOO_LARGE, "ERR_CHUNK_TOO_LARGE", "a RIFF chunk runs past the end of the file"},
     {ERR_TIFF_NOT_TIFF, "ERR_TIFF_NOT_TIFF", "the table file is not a TIFF file"},
+    {ERR_RIFF_SHORT_READ, "ERR_RIFF_SHORT_READ", "a RIFF chunk is cut short by the end of the file"},
 };
 
 const StatusWords* Find(KtStatus status) noexcept {
