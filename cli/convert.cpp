@@ -78,7 +78,7 @@ void Choose(const ConvertOptions& o, const std::string& input, PipelineSpec* spe
     const bool customProfiles = !o.srcProfile.empty() || !o.dstProfile.empty();
     Method m = o.method.value_or(Method::Builtin);
     bool embedded = false;
-    if (!o.method && Serves(Method::Icc, src, dst)) m = Method::Icc;
+    if (!o.method && Serves(Method::Icc, src, dst) && (src != dst || customProfiles)) m = Method::Icc;
     if (m == Method::Icc || m == Method::CustomIcc) {
         if (o.srcProfile.empty() && input != "-") {
             Bytes bytes = EmbeddedProfile(input);

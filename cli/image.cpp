@@ -120,7 +120,7 @@ private:
 FileFormat DetectFormat(const std::string& path) {
     unsigned char head[12] = {};
     FILE* f = fopen(path.c_str(), "rb");
-    if (!f) return FileFormat::Unknown;
+    if (!f) throw Failure(std::string("cannot open: ") + strerror(errno));
     const size_t n = fread(head, 1, sizeof head, f);
     fclose(f);
     if (n >= 8 && memcmp(head, "\x89PNG\r\n\x1a\n", 8) == 0) return FileFormat::Png;

@@ -66,7 +66,7 @@ void CheckConvert(ConvertOptions& o, const std::string& to, const std::string& f
     // does not exist: a missing file is an error here.
     for (const std::string* p : {&o.srcProfile, &o.dstProfile, &o.table})
         if (!p->empty() && access(p->c_str(), R_OK) != 0)
-            throw Failure(*p == o.table ? "no such table file" : "no such profile file", ERR_FILE_NOT_FOUND);
+            throw Failure(*p + (*p == o.table ? ": no such table file" : ": no such profile file"), ERR_FILE_NOT_FOUND);
     if (o.black > 255) throw Usage("--black: 0 to 255");
     if (!o.directory.empty()) {
         std::set<std::string> seen;
