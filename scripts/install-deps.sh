@@ -5,7 +5,10 @@
 set -eu
 pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev libwebp-dev libcli11-dev"
 if [ "${1:-}" = "--tests" ]; then
-  pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll liblcms2-utils libtiff-tools imagemagick libimage-exiftool-perl"
+  pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll"
+  # Independent readers and writers of image files for the storage and tool
+  # tests; Little CMS's tificc for the tool's ICC conversions.
+  pkgs="$pkgs libimage-exiftool-perl imagemagick libjpeg-turbo-progs libtiff-tools webp liblcms2-utils"
 fi
 missing=""
 for p in $pkgs; do

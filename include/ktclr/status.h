@@ -12,6 +12,7 @@ enum KtStatusCode {
     STATUS_OK = 1,                       /* success */
     ERR_NO_MEMORY = -1,                  /* allocation failed in the profile model or file storage; a file name could not be converted */
     ERR_ALLOC = -3,                      /* allocation failed in the conversion engine */
+    ERR_FILE_SEEK = -4,                  /* a file position could not be reached while moving bytes */
     ERR_FILE_WRITE = -5,                 /* writing a file failed */
     ERR_FILE_READ = -7,                  /* a file read failed or was short; a custom emulation table could not be read */
     ERR_FILE_NOT_FOUND = -8,             /* a named file is missing, or its path exceeds 259 characters */

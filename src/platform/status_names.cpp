@@ -16,6 +16,7 @@ constexpr StatusWords kStatuses[] = {
     {STATUS_OK, "STATUS_OK", "success"},
     {ERR_NO_MEMORY, "ERR_NO_MEMORY", "out of memory, or a file name could not be converted"},
     {ERR_ALLOC, "ERR_ALLOC", "out of memory in the conversion engine"},
+    {ERR_FILE_SEEK, "ERR_FILE_SEEK", "a position in the file could not be reached"},
     {ERR_FILE_WRITE, "ERR_FILE_WRITE", "writing the file failed"},
     {ERR_FILE_READ, "ERR_FILE_READ", "reading the file failed or it is shorter than it says"},
     {ERR_FILE_NOT_FOUND, "ERR_FILE_NOT_FOUND", "no such file, or its path is longer than 259 characters"},
