@@ -2,16 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <mutex>
 
 #include "image.h"
 
 namespace ktcli {
 namespace {
-
-// The library's list of live handles is not guarded: handles are made and
-// freed one at a time, conversions run freely.
-std::mutex gHandleLock;
 
 bool IsRgb(int s) { return s == CS_RGB || s == CS_BGR; }
 
@@ -43,7 +38,6 @@ Pipeline::Pipeline(const PipelineSpec& spec) : spec_(spec) {
 Pipeline::~Pipeline() { FreeAll(); }
 
 void Pipeline::FreeAll() {
-    std::lock_guard<std::mutex> hold(gHandleLock);
     for (ClrHandle* h : handles_) Vx_ClrFree(h);
     handles_.clear();
 }
@@ -66,12 +60,9 @@ void Pipeline::AddHandle(int src, int dst) {
     }
     if (spec_.method == Method::CustomEmulation) CopyPath(p.emulationTablePath, spec_.table);
     ClrHandle* h = nullptr;
-    KtStatus s;
-    {
-        std::lock_guard<std::mutex> hold(gHandleLock);
-        s = Vx_ClrInit(&h, src, dst, &p);
-        if (s == STATUS_OK) handles_.push_back(h);
-    }
+    // Handles may be made and freed from several threads at once.
+    const KtStatus s = Vx_ClrInit(&h, src, dst, &p);
+    if (s == STATUS_OK) handles_.push_back(h);
     if (s != STATUS_OK)
         throw Failure(std::string("cannot prepare ") + SpaceById(src)->name + " to " + SpaceById(dst)->name +
                           " by " + MethodName(spec_.method),

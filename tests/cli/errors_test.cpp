@@ -11,7 +11,7 @@ namespace {
 using ErrorsTest = ToolTest;
 
 TEST_F(ErrorsTest, OneLineAndStatus) {
-    Ok("printf 'not an image' > junk.png && printf 'x' > short.raw");
+    Ok("printf 'not an image' > junk.png && printf 'x' > short.raw && cp \"$CHART\" c.png");
     struct Row {
         const char* args;
         int status;
@@ -43,6 +43,10 @@ TEST_F(ErrorsTest, OneLineAndStatus) {
         {"convert \"$CHART\" --to cmyk -o a.tif --bogus", 2, "ktclr: The following argument was not expected: --bogus \\(see --help\\)"},
         {"convert \"$CHART\" --to cmyk -o - ", 2, "ktclr: -o - needs --format"},
         {"profile info junk.png", 1, "ktclr: junk.png: cannot read a profile from it \\(ERR_FORMAT_NOT_SUPPORTED -1154: .*\\)"},
+        {"profile embed c.png /usr/share/color/icc/sRGB.icc", 1,
+         "ktclr: c.png: cannot embed the profile \\(ERR_FORMAT_NOT_SUPPORTED -1154: .*\\)"},
+        {"profile embed short.raw junk.png", 1, "ktclr: junk.png: not a valid ICC profile file \\(ERR_.*\\)"},
+        {"profile extract short.raw x.icc", 1, "ktclr: short.raw: cannot read a profile from it \\(ERR_.*\\)"},
         {"profile builtin rgb no/such/dir/x.icc", 1, "ktclr: no/such/dir/x.icc: cannot create a file beside it: .*"},
         {"profile builtin srgb x.icc", 2, "ktclr: name: srgb not in \\{.*\\} \\(see --help\\)"},
         {"frobnicate", 2, "ktclr: A subcommand is required \\(see --help\\)"},

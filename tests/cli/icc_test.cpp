@@ -71,6 +71,31 @@ TEST_F(IccTest, BuiltinProfilesAreWholeFiles) {
     }
 }
 
+// Profiles in image files: a profile the input embeds is the source
+// profile (tificc does the same), extract gives its bytes back, embed puts
+// one in place and keeps the pixels.
+TEST_F(IccTest, ProfilesInImageFiles) {
+    const std::string adobe = kAdobe;
+    Ok("$KTCLR profile builtin cmyk cmyk.icc");
+    Ok("$KTCLR convert \"$CHART\" --to rgb --dst-profile " + adobe + " -o adobe.png && convert adobe.png adobe.tif");
+    for (const char* image : {"adobe.png", "adobe.tif"}) {
+        SCOPED_TRACE(image);
+        EXPECT_NE(Ok(std::string("$KTCLR profile info ") + image).find("Compatible with Adobe RGB"), std::string::npos);
+        Ok(std::string("$KTCLR profile extract ") + image + " x.icc");
+        EXPECT_EQ(Slurp(Path("x.icc")), Slurp(adobe));
+    }
+    Ok("$KTCLR convert adobe.tif --to cmyk -o ours.tif && tificc -o cmyk.icc adobe.tif theirs.tif 2>/dev/null");
+    EXPECT_EQ(Sh("compare -metric AE ours.tif theirs.tif null:").err, "0");
+    Ok("$KTCLR convert \"$CHART\" --to rgb -o e.jpg && $KTCLR convert \"$CHART\" --to cmyk -o e.tif --method builtin");
+    for (const char* image : {"e.jpg", "e.tif"}) {
+        SCOPED_TRACE(image);
+        Ok(std::string("cp ") + image + " before && $KTCLR profile embed " + image + " " + adobe + " --backup kept");
+        EXPECT_EQ(Ok(std::string("exiftool -b -icc_profile ") + image), Slurp(adobe));
+        EXPECT_EQ(Slurp(Path("kept")), Slurp(Path("before")));
+        EXPECT_EQ(Sh(std::string("compare -metric AE before ") + image + " null:").err, "0");
+    }
+}
+
 TEST_F(IccTest, ProfileInfoTextAndJson) {
     Ok("$KTCLR profile builtin rgb rgb.icc");
     const std::string text = Ok("$KTCLR profile info rgb.icc");
