@@ -60,7 +60,10 @@ public:
             CopyToStdout();
         } else {
             fchmod(fd_, 0644 & ~CurrentUmask());
-            if (fsync(fd_) != 0 || rename(temp_.c_str(), target_.c_str()) != 0)
+            // A file being replaced is flushed first, so a crash leaves the
+            // old one or the new one; a new file needs no such wait.
+            const bool replacing = access(target_.c_str(), F_OK) == 0;
+            if ((replacing && fsync(fd_) != 0) || rename(temp_.c_str(), target_.c_str()) != 0)
                 throw Failure("cannot write the file: " + std::string(strerror(errno)));
             temp_.clear();
         }

@@ -133,6 +133,7 @@ std::string Json(const std::string& s) {
 }
 
 std::string Sig4(uint32_t sig) {
+    if (sig == 0) return "none";
     std::string s = SigText(sig);
     return s.substr(1, 4);
 }

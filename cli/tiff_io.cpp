@@ -79,10 +79,12 @@ public:
     }
     void read(uint8_t* out, int rows) override {
         const int channels = grey_ ? 3 : SpaceById(info_.space)->bits / 8;
+        const bool direct = !grey_ && samples_ == channels;
         for (int y = 0; y < rows; ++y, ++row_) {
-            if (TIFFReadScanline(tif_, line_.data(), row_, 0) < 0)
-                throw Failure("TIFF data broken at row " + std::to_string(row_));
             uint8_t* o = out + static_cast<size_t>(y) * info_.width * channels;
+            if (TIFFReadScanline(tif_, direct ? o : line_.data(), row_, 0) < 0)
+                throw Failure("TIFF data broken at row " + std::to_string(row_));
+            if (direct) continue;
             for (int x = 0; x < info_.width; ++x) {
                 const uint8_t* p = line_.data() + static_cast<size_t>(x) * samples_;
                 for (int c = 0; c < channels; ++c) {
