@@ -157,6 +157,7 @@ void ConvertOne(const ConvertOptions& o, const std::string& input, const std::st
     WriteSpec ws;
     std::string note;
     Choose(o, input, &spec, &ws.icc, &note);
+    if (outFormat == FileFormat::Raw) ws.icc.clear();  // raw bytes hold no profile
     Pipeline pipeline(spec);
 
     const int w = info.width, h = info.height;
