@@ -25,6 +25,7 @@
 #include <cstdint>
 
 #include "ktclr/export.h"
+#include "ktclr/status.h"
 
 namespace kt::formats {
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "ktclr/export.h"
+#include "ktclr/status.h"
 #include "platform/alloc.h"
 #include "platform/file.h"
 

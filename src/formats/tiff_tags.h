@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "ktclr/export.h"
+#include "ktclr/status.h"
 #include "platform/file.h"
 
 namespace kt::formats::tiff {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ktclr/export.h"
+#include "ktclr/status.h"
 
 namespace kt::report {
 
