@@ -70,8 +70,37 @@ KTCLR_API KtStatus Vx_LoadICCProfile(const KtChar16* fileName, ICCProfileRecord*
 KTCLR_API KtStatus Vx_HasICCProfile(const KtChar16* fileName, const Vx_LoadFileOptions* loadOptions);
 
 /* Embeds profile->profileData (profileSize bytes) into the existing image
- * file fileName. saveOptions may be null. Returns STATUS_OK or a negative
- * status; ERR_FORMAT_NOT_SUPPORTED for a format without a writer. */
+ * file fileName: JPEG (APP2 "ICC_PROFILE" segments of at most 65,519 profile
+ * bytes after the JFIF/Exif segments, earlier ones replaced), TIFF and
+ * BigTIFF (tag 34675, type 7, in the first directory), GIF (an "ICCRGBG1"
+ * application extension with authentication bytes 0, 1, 2 in place of the
+ * trailer) or WebP ("ICCP" chunk replaced or appended, no pad byte; with
+ * VX_SAVE_WEBP_CONTAINER_RULES right after a VP8X chunk with its ICC bit,
+ * padded). Everything else in the file stays byte for byte. The new file is
+ * built in a temporary beside the original and renamed over it only when
+ * complete: after any failure the original is unchanged. saveOptions may be
+ * null. Returns STATUS_OK, or, checked in this order:
+ *   ERR_INVALID_PARAMETER      fileName or profile null
+ *   ERR_BAD_STRUCT_SIZE        profile->structSize is not 32, or
+ *                              saveOptions->structSize is not 12
+ *   ERR_INVALID_PARAMETER      an unknown flag; profileData null with a size
+ *   ERR_FILE_NOT_FOUND         no file of that name
+ *   ERR_FILE_READ              the file cannot be read, is not a regular
+ *                              file, or its JPEG segments or TIFF directory
+ *                              run past its end
+ *   ERR_FORMAT_NOT_SUPPORTED   a format without a writer (PNG, text, ...)
+ *   ERR_FILE_CREATE            the file is read-only, no temporary can be
+ *                              made beside it, or the backup cannot be made
+ *   ERR_FILE_WRITE             writing, flushing or renaming failed (a full
+ *                              disk); a classic TIFF would pass 4 GiB
+ *   ERR_INVALID_PARAMETER      the backup name names the file itself
+ *   ERR_NO_MEMORY              an allocation failed
+ *   8 (positive)               JPEG: the segment buffer cannot be allocated
+ *   ERR_CHUNK_TOO_LARGE, ERR_RIFF_SHORT_READ, ERR_FILE_SEEK, -9 (the file
+ *                              ends inside its RIFF head)  WebP
+ * GIF and WebP failures are also recorded as the thread's last reported
+ * error. A WebP whose RIFF head is not "RIFF", a size of at least 20 and
+ * "WEBP" is left as it is, with STATUS_OK. */
 KTCLR_API KtStatus Vx_SaveICCProfile(const KtChar16* fileName, const ICCProfileRecord* profile,
                                      const Vx_SaveFileOptions* saveOptions);
 

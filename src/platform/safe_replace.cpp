@@ -72,8 +72,12 @@ KtStatus CopyThroughBuffer(int in, std::int64_t offset, int out, std::int64_t si
     return status;
 }
 
+// The kernel copies between files without a trip through user space, but is
+// only quick from and to the start of a page; otherwise a buffer is.
 KtStatus CopyBytes(int in, std::int64_t offset, int out, std::int64_t size, mem::Module module) {
     off_t from = static_cast<off_t>(offset);
+    const off_t to = lseek(out, 0, SEEK_CUR);
+    if (to < 0 || to % 4096 != 0 || from % 4096 != 0) return CopyThroughBuffer(in, offset, out, size, module);
     while (size > 0) {
         if (faults::Fails(faults::Op::read)) return ERR_FILE_READ;
         if (faults::Fails(faults::Op::write)) return ERR_FILE_WRITE;
@@ -181,14 +185,6 @@ KtStatus SafeReplace::Commit(const char16_t* backup) noexcept {
     if (faults::Fails(faults::Op::rename) || std::rename(tempPath_, path_) != 0) return ERR_FILE_WRITE;
     mem::Free(tempPath_, module_, __LINE__);
     tempPath_ = nullptr;
-    // Make the rename itself durable.
-    char* slash = std::strrchr(path_, '/');
-    if (slash) {
-        *slash = '\0';
-        File dir;
-        if (dir.OpenUtf8(*path_ ? path_ : "/", Mode::read)) fsync(dir.fd());
-        *slash = '/';
-    }
     return STATUS_OK;
 }
 

@@ -4,6 +4,8 @@
 // permissions, and renamed over the original only when everything
 // succeeded. Until then, and after any failure, the original is untouched;
 // a killed process leaves at most a stray ".NAME.ktclr-XXXXXX" beside it.
+// The rename is atomic: after a crash the folder holds the old file or the
+// new one, each complete.
 #pragma once
 
 #include <cstdint>

@@ -17,6 +17,18 @@ void Le32(uint8_t* p, uint64_t v) {
 }
 bool Is(const riff::ChunkHead& h, const char* id) { return std::memcmp(h.id, id, 4) == 0; }
 
+// "RIFF", a little-endian size of at least 20, "WEBP".
+bool IsWebpHead(const uint8_t* p) {
+    const uint32_t size = p[4] | p[5] << 8 | p[6] << 16 | static_cast<uint32_t>(p[7]) << 24;
+    return std::memcmp(p, "RIFF", 4) == 0 && size >= 20 && std::memcmp(p + 8, "WEBP", 4) == 0;
+}
+
+// Reads the head at offset 0: STATUS_OK, or the status of a failed or short read.
+KtStatus ReadHead(file::File& f, uint8_t head[12]) {
+    const std::int64_t got = f.Seek(0) ? f.Read(head, 12) : -1;
+    return got <= 0 ? ERR_FILE_READ : got < 12 ? kShortRiffHead : STATUS_OK;
+}
+
 bool WriteHead(file::File& f, const char* id, uint64_t size) {
     uint8_t head[8];
     std::memcpy(head, id, 4);
@@ -31,11 +43,10 @@ KtStatus WriteInPlace(file::SafeReplace& edit, ProfileBytes profile) {
     if (status != STATUS_OK) return status;
     file::File& t = edit.Temp();
     uint8_t head[12];
-    const std::int64_t got = t.Seek(0) ? t.Read(head, sizeof head) : -1;
-    if (got <= 0) return ERR_FILE_READ;
-    if (got < 12) return kShortRiffHead;
+    if ((status = ReadHead(t, head)) != STATUS_OK) return status;
+    if (!IsWebpHead(head)) return STATUS_OK;  // not a RIFF WebP head: nothing is written
     riff::Walker walk(t);
-    if (!walk.Begin("WEBP")) return STATUS_OK;  // not a RIFF WebP head: nothing is written
+    if (!walk.Begin("WEBP")) return ERR_FILE_READ;
     riff::ChunkHead h{};
     std::int64_t end = 12;
     while ((status = walk.Next(&h)) == 1 && !Is(h, "ICCP")) {
@@ -99,13 +110,16 @@ KtStatus MakeVp8x(file::File& in, const riff::ChunkHead& image, uint8_t vp8x[10]
 // other chunk as it was, then whatever followed the RIFF data.
 KtStatus WriteByContainerRules(file::SafeReplace& edit, ProfileBytes profile) {
     file::File& in = edit.Original();
+    uint8_t head[12];
+    KtStatus status = ReadHead(in, head);
+    if (status != STATUS_OK) return status;
+    if (!IsWebpHead(head)) return WriteInPlace(edit, profile);
     riff::Walker walk(in);
-    if (!walk.Begin("WEBP")) return WriteInPlace(edit, profile);
+    if (!walk.Begin("WEBP")) return ERR_FILE_READ;
     riff::ChunkHead h{}, vp8x{}, image{};
     bool haveVp8x = false, haveImage = false;
     uint64_t kept = 0;
     std::int64_t end = 12;
-    KtStatus status;
     while ((status = walk.Next(&h)) == 1) {
         if (Is(h, "VP8X") && !haveVp8x) {
             vp8x = h;
@@ -129,7 +143,6 @@ KtStatus WriteByContainerRules(file::SafeReplace& edit, ProfileBytes profile) {
     if (riffSize > 0xFFFFFFFFu) return ERR_FILE_WRITE;
 
     file::File& t = edit.Temp();
-    uint8_t head[12] = {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'E', 'B', 'P'};
     Le32(head + 4, riffSize);
     const uint8_t zero = 0;
     uint8_t flags = 0;

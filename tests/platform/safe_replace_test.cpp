@@ -44,10 +44,10 @@ TEST(SafeReplace, ReplacesContentKeepingPermissionsAndOptionalBackup) {
     } cases[] = {{0, 0, 0644, false}, {10, 3, 0600, true}, {3 << 20, 1 << 20, 0755, true}};
     for (const Case& c : cases) {
         test::ScratchDir dir;
-        const std::string path = dir / "image.bin", before = Pattern(c.size);
+        const std::string path = dir.File("image.bin"), before = Pattern(c.size);
         WriteFile(path, before);
         chmod(path.c_str(), c.mode);
-        const std::u16string backup = Wide(dir / "image.bak");
+        const std::u16string backup = Wide(dir.File("image.bak"));
         ASSERT_EQ(Splice(path, c.at, "NEW", c.backup ? backup.c_str() : nullptr), STATUS_OK);
         EXPECT_EQ(ReadFile(path), before.substr(0, c.at) + "NEW" + before.substr(c.at));
         struct stat st;
@@ -55,40 +55,40 @@ TEST(SafeReplace, ReplacesContentKeepingPermissionsAndOptionalBackup) {
         EXPECT_EQ(st.st_mode & 07777, c.mode);
         EXPECT_EQ(dir.Entries().size(), c.backup ? 2u : 1u);
         if (c.backup) {
-            EXPECT_EQ(ReadFile(dir / "image.bak"), before);
+            EXPECT_EQ(ReadFile(dir.File("image.bak")), before);
         }
     }
 }
 
 TEST(SafeReplace, ThroughSymbolicLinkEditsTheTarget) {
     test::ScratchDir dir;
-    WriteFile(dir / "target.bin", "abcdef");
-    ASSERT_EQ(symlink("target.bin", (dir / "link.bin").c_str()), 0);
-    ASSERT_EQ(Splice(dir / "link.bin", 2, "--"), STATUS_OK);
-    EXPECT_EQ(ReadFile(dir / "target.bin"), "ab--cdef");
+    WriteFile(dir.File("target.bin"), "abcdef");
+    ASSERT_EQ(symlink("target.bin", dir.File("link.bin").c_str()), 0);
+    ASSERT_EQ(Splice(dir.File("link.bin"), 2, "--"), STATUS_OK);
+    EXPECT_EQ(ReadFile(dir.File("target.bin")), "ab--cdef");
     struct stat st;
-    ASSERT_EQ(lstat((dir / "link.bin").c_str(), &st), 0);
+    ASSERT_EQ(lstat(dir.File("link.bin").c_str(), &st), 0);
     EXPECT_TRUE(S_ISLNK(st.st_mode));
 }
 
 TEST(SafeReplace, RefusalsLeaveEverythingAsItWas) {
     test::ScratchDir dir;
-    const std::string path = dir / "image.bin";
+    const std::string path = dir.File("image.bin");
     WriteFile(path, "content");
-    EXPECT_EQ(Splice(dir / "missing.bin", 0, "x"), ERR_FILE_READ);
+    EXPECT_EQ(Splice(dir.File("missing.bin"), 0, "x"), ERR_FILE_READ);
     EXPECT_EQ(Splice(dir.path(), 0, "x"), ERR_FILE_READ);  // a folder
     chmod(path.c_str(), 0444);
     EXPECT_EQ(Splice(path, 0, "x"), ERR_FILE_CREATE);
     chmod(path.c_str(), 0644);
     EXPECT_EQ(Splice(path, 0, "x", Wide(path).c_str()), ERR_INVALID_PARAMETER);  // backup onto itself
-    EXPECT_EQ(Splice(path, 0, "x", Wide(dir / "no/such/folder").c_str()), ERR_FILE_CREATE);
+    EXPECT_EQ(Splice(path, 0, "x", Wide(dir.File("no/such/folder")).c_str()), ERR_FILE_CREATE);
     EXPECT_EQ(ReadFile(path), "content");
     EXPECT_EQ(dir.Entries(), std::vector<std::string>{"image.bin"});
 }
 
 TEST(SafeReplace, AnyFailingFileOperationOrAllocationLeavesTheOriginal) {
     test::ScratchDir dir;
-    const std::string path = dir / "image.bin", backup = dir / "image.bak", before = Pattern(300000);
+    const std::string path = dir.File("image.bin"), backup = dir.File("image.bak"), before = Pattern(300000);
     WriteFile(path, before);
     auto unchanged = [&](const char* what, int n, int status) {
         EXPECT_LT(status, 0) << what << " " << n;
@@ -115,12 +115,12 @@ TEST(SafeReplace, AnyFailingFileOperationOrAllocationLeavesTheOriginal) {
 // Needs the right to mount (root in CI); skipped otherwise.
 TEST(SafeReplace, FullFilesystemLeavesTheOriginal) {
     test::ScratchDir dir;
-    const std::string mnt = dir / "small";
+    const std::string mnt = dir.File("small");
     mkdir(mnt.c_str(), 0755);
     if (mount("tmpfs", mnt.c_str(), "tmpfs", 0, "size=256k") != 0) GTEST_SKIP() << "cannot mount a tmpfs here";
     // A backup on another filesystem is a copy.
-    WriteFile(dir / "small.bin", "abc");
-    ASSERT_EQ(Splice(dir / "small.bin", 1, "-", Wide(mnt + "/small.bak").c_str()), STATUS_OK);
+    WriteFile(dir.File("small.bin"), "abc");
+    ASSERT_EQ(Splice(dir.File("small.bin"), 1, "-", Wide(mnt + "/small.bak").c_str()), STATUS_OK);
     EXPECT_EQ(ReadFile(mnt + "/small.bak"), "abc");
     unlink((mnt + "/small.bak").c_str());
 
@@ -128,8 +128,8 @@ TEST(SafeReplace, FullFilesystemLeavesTheOriginal) {
     WriteFile(path, before);
     EXPECT_EQ(Splice(path, 5, "NEW"), ERR_FILE_WRITE);
     EXPECT_TRUE(ReadFile(path) == before);
-    test::Run("ls -A '" + mnt + "' | wc -l > '" + dir / "count" + "'");
-    EXPECT_EQ(ReadFile(dir / "count"), "1\n");
+    test::Run("ls -A '" + mnt + "' | wc -l > '" + dir.File("count") + "'");
+    EXPECT_EQ(ReadFile(dir.File("count")), "1\n");
     umount(mnt.c_str());
 }
 

@@ -47,12 +47,12 @@ TEST(SaveJpeg, SegmentsPerProfileSize) {
         {131039, {65533, 65533, 15}},
     };
     test::ScratchDir dir;
-    const std::string original = dir / "original.jpg";
+    const std::string original = dir.File("original.jpg");
     Sh("convert -size 40x30 gradient:red-blue -quality 90 " + original);
     const Layout before = Parse(ReadFile(original));
     for (const auto& c : cases) {
         SCOPED_TRACE(c.size);
-        const std::string path = dir / "image.jpg", profile = Pattern(c.size, c.size);
+        const std::string path = dir.File("image.jpg"), profile = Pattern(c.size, c.size);
         WriteFile(path, ReadFile(original));
         ASSERT_EQ(Save(path, profile), STATUS_OK);
         const Layout after = Parse(ReadFile(path));
@@ -79,7 +79,7 @@ TEST(SaveJpeg, SegmentsPerProfileSize) {
 // and the scan stay byte for byte; the pixels decode as before.
 TEST(SaveJpeg, ReplacesEarlierProfileAndKeepsTheRest) {
     test::ScratchDir dir;
-    const std::string path = dir / "photo.jpg";
+    const std::string path = dir.File("photo.jpg");
     Sh("convert -size 64x48 gradient:red-blue -profile /usr/share/color/icc/sRGB.icc " + path);
     Sh("exiftool -q -overwrite_original -Artist=ktclr -Comment=kept '" + path + "'");
     const std::string original = ReadFile(path), pixels = Pixels(path);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/alloc.h"
+#include "storage_files.h"
 
 namespace kt::savetest {
 
@@ -41,12 +41,8 @@ KtStatus Save(const std::string& path, const std::string& profile, const Vx_Save
 }
 
 std::string Loaded(const std::string& path) {
-    ICCProfileRecord record{};
-    record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
-    if (Vx_LoadICCProfile(test::Wide(path).c_str(), &record, nullptr) != STATUS_OK) return "";
-    std::string bytes(reinterpret_cast<const char*>(record.profileData), record.profileSize);
-    Vx_FreeICCProfile(&record);
-    return bytes;
+    const test::Bytes bytes = test::Load(path).bytes;
+    return std::string(bytes.begin(), bytes.end());
 }
 
 std::string Exiftool(const std::string& path) { return ShOut("exiftool -icc_profile -b '" + path + "'"); }

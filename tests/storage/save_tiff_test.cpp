@@ -24,7 +24,7 @@ TEST(SaveTiff, EveryLayoutKeepsItsPagesAndTakesTheProfile) {
     for (const auto& layout : layouts) {
         SCOPED_TRACE(std::string(layout.make) + (layout.big ? " BigTIFF" : ""));
         test::ScratchDir dir;
-        const std::string original = dir / "original.tif", path = dir / "image.tif";
+        const std::string original = dir.File("original.tif"), path = dir.File("image.tif");
         Sh(std::string("convert -size 24x16 gradient:red-blue -size 20x12 plasma:fractal -seed 3 ") + layout.make +
            (layout.big ? " TIFF64:" : " ") + original);
         for (const std::string& profile : profiles) {
@@ -39,6 +39,7 @@ TEST(SaveTiff, EveryLayoutKeepsItsPagesAndTakesTheProfile) {
             // shorter than a header.
             const std::string all = ShOut("exiftool -a -icc_profile -b '" + path + "'");
             EXPECT_TRUE(profile.size() < 128 || all.substr(0, profile.size()) == profile);
+            EXPECT_TRUE(Loaded(path) == profile);
         }
     }
 }
@@ -53,9 +54,9 @@ TEST(SaveTiff, BrokenDirectoryIsRefused) {
     };
     test::ScratchDir dir;
     for (const std::string& bytes : files) {
-        WriteFile(dir / "bad.tif", bytes);
-        EXPECT_EQ(Save(dir / "bad.tif", Pattern(100)), ERR_FILE_READ);
-        EXPECT_TRUE(ReadFile(dir / "bad.tif") == bytes);
+        WriteFile(dir.File("bad.tif"), bytes);
+        EXPECT_EQ(Save(dir.File("bad.tif"), Pattern(100)), ERR_FILE_READ);
+        EXPECT_TRUE(ReadFile(dir.File("bad.tif")) == bytes);
     }
 }
 

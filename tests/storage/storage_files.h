@@ -1,4 +1,4 @@
-// Helpers of the storage tests: a scratch folder, files written from bytes,
+// Helpers of the storage tests: files written from bytes
 // and the profile loader called by UTF-8 path.
 #pragma once
 
@@ -13,16 +13,11 @@
 
 #include "ktclr/storage.h"
 #include "platform/utf16.h"
+#include "support/scratch_dir.h"
 
 namespace kt::test {
 
 using Bytes = std::vector<uint8_t>;
-
-inline std::u16string Wide(const std::string& path) {
-    std::u16string w(path.size() + 1, u'\0');
-    w.resize(text::Utf8ToUtf16(path.c_str(), path.size(), w.data(), w.size()) - 1);
-    return w;
-}
 
 inline Bytes ReadAll(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -35,23 +30,6 @@ inline void WriteAll(const std::string& path, const Bytes& bytes) {
 }
 
 inline Bytes Text(const std::string& s) { return Bytes(s.begin(), s.end()); }
-
-// A fresh folder under /tmp, removed with its files at the end.
-class ScratchDir {
-public:
-    ScratchDir() {
-        char tmpl[] = "/tmp/ktclr-storage-XXXXXX";
-        path_ = mkdtemp(tmpl) ? tmpl : "";
-    }
-    ~ScratchDir() {
-        if (!path_.empty()) std::system(("rm -rf '" + path_ + "'").c_str());
-    }
-    std::string File(const std::string& name) const { return path_ + "/" + name; }
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
 
 struct Loaded {
     KtStatus status;
