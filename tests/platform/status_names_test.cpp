@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
+#include <fstream>
+#include <regex>
 #include <string>
 
 #include "ktclr/status.h"
@@ -33,6 +36,24 @@ TEST(StatusNames, NamesAndSentences) {
         EXPECT_STREQ(Vx_ClrGetStatusName(r.status), r.name) << r.status;
         EXPECT_STREQ(Vx_ClrGetStatusText(r.status), r.text) << r.status;
     }
+}
+
+// A status added to the header without words would answer UNKNOWN_STATUS:
+// every enumerator the header declares has its own name.
+TEST(StatusNames, EveryDeclaredStatusHasItsName) {
+    const char* source = std::getenv("KTCLR_SOURCE_DIR");
+    ASSERT_NE(source, nullptr);
+    std::ifstream header(std::string(source) + "/include/ktclr/status.h");
+    const std::regex enumerator(R"(^\s+((?:ERR|WARN|STATUS)_\w+) = (-?\d+))");
+    int seen = 0;
+    for (std::string line; std::getline(header, line);) {
+        std::smatch m;
+        if (!std::regex_search(line, m, enumerator)) continue;
+        EXPECT_EQ(Vx_ClrGetStatusName(std::stoi(m[2])), m[1].str());
+        EXPECT_STRNE(Vx_ClrGetStatusText(std::stoi(m[2])), "unknown status") << m[1];
+        ++seen;
+    }
+    EXPECT_GT(seen, 30);
 }
 
 }  // namespace
