@@ -6,6 +6,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ktcli {
@@ -67,6 +68,15 @@ std::unique_ptr<Reader> OpenReader(const std::string& path, FileFormat f, int fr
 std::unique_ptr<Writer> OpenWriter(const WriteSpec& spec);
 // Which formats can hold a space (message for the caller when not).
 bool FormatHolds(FileFormat f, int space);
+
+// Makes a reader or writer and opens it; a failed Open still runs the
+// destructor, which releases what Open had taken.
+template <typename T, typename... Args>
+std::unique_ptr<T> Opened(Args&&... args) {
+    auto made = std::make_unique<T>();
+    made->Open(std::forward<Args>(args)...);
+    return made;
+}
 
 // Per-format entry points.
 std::unique_ptr<Reader> OpenPngReader(const std::string& path);

@@ -34,7 +34,7 @@ void InitErrors(ErrorManager* e) {
 
 class JpegReader : public Reader {
 public:
-    explicit JpegReader(const std::string& path) {
+    void Open(const std::string& path) {
         file_ = fopen(path.c_str(), "rb");
         if (!file_) throw Failure("cannot open the file");
         InitErrors(&err_);
@@ -76,7 +76,7 @@ private:
 
 class JpegWriter : public Writer {
 public:
-    JpegWriter(const WriteSpec& spec, int fd) {
+    void Open(const WriteSpec& spec, int fd) {
         file_ = fdopen(dup(fd), "wb");
         if (!file_) throw Failure("cannot open the output");
         InitErrors(&err_);
@@ -121,7 +121,7 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Reader> OpenJpegReader(const std::string& path) { return std::make_unique<JpegReader>(path); }
-std::unique_ptr<Writer> OpenJpegWriter(const WriteSpec& spec, int fd) { return std::make_unique<JpegWriter>(spec, fd); }
+std::unique_ptr<Reader> OpenJpegReader(const std::string& path) { return Opened<JpegReader>(path); }
+std::unique_ptr<Writer> OpenJpegWriter(const WriteSpec& spec, int fd) { return Opened<JpegWriter>(spec, fd); }
 
 }  // namespace ktcli

@@ -22,7 +22,7 @@ void PngWarning(png_structp, png_const_charp) {}
 
 class PngReader : public Reader {
 public:
-    explicit PngReader(const std::string& path) {
+    void Open(const std::string& path) {
         file_ = fopen(path.c_str(), "rb");
         if (!file_) throw Failure("cannot open the file");
         png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &error_, PngError, PngWarning);
@@ -75,7 +75,8 @@ private:
 
 class PngWriter : public Writer {
 public:
-    PngWriter(const WriteSpec& spec, int fd) : width_(spec.width) {
+    void Open(const WriteSpec& spec, int fd) {
+        width_ = spec.width;
         file_ = fdopen(dup(fd), "wb");
         if (!file_) throw Failure("cannot open the output");
         png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &error_, PngError, PngWarning);
@@ -106,7 +107,7 @@ public:
     }
 
 private:
-    int width_;
+    int width_ = 0;
     FILE* file_ = nullptr;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
@@ -115,7 +116,7 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Reader> OpenPngReader(const std::string& path) { return std::make_unique<PngReader>(path); }
-std::unique_ptr<Writer> OpenPngWriter(const WriteSpec& spec, int fd) { return std::make_unique<PngWriter>(spec, fd); }
+std::unique_ptr<Reader> OpenPngReader(const std::string& path) { return Opened<PngReader>(path); }
+std::unique_ptr<Writer> OpenPngWriter(const WriteSpec& spec, int fd) { return Opened<PngWriter>(spec, fd); }
 
 }  // namespace ktcli

@@ -28,7 +28,7 @@ int SpaceFromDescription(TIFF* tif) {
 
 class TiffReader : public Reader {
 public:
-    explicit TiffReader(const std::string& path) {
+    void Open(const std::string& path) {
         TIFFSetErrorHandler(Quiet);
         TIFFSetWarningHandler(Quiet);
         tif_ = TIFFOpen(path.c_str(), "r");
@@ -105,7 +105,8 @@ private:
 
 class TiffWriter : public Writer {
 public:
-    TiffWriter(const WriteSpec& spec, int fd) : spec_(spec) {
+    void Open(const WriteSpec& spec, int fd) {
+        spec_ = spec;
         TIFFSetErrorHandler(Quiet);
         TIFFSetWarningHandler(Quiet);
         tif_ = TIFFFdOpen(fd, spec.path.c_str(), "w");
@@ -163,7 +164,7 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Reader> OpenTiffReader(const std::string& path) { return std::make_unique<TiffReader>(path); }
-std::unique_ptr<Writer> OpenTiffWriter(const WriteSpec& spec, int fd) { return std::make_unique<TiffWriter>(spec, fd); }
+std::unique_ptr<Reader> OpenTiffReader(const std::string& path) { return Opened<TiffReader>(path); }
+std::unique_ptr<Writer> OpenTiffWriter(const WriteSpec& spec, int fd) { return Opened<TiffWriter>(spec, fd); }
 
 }  // namespace ktcli
