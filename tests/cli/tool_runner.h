@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <unistd.h>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -41,11 +42,8 @@ protected:
                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
         std::filesystem::remove_all(dir_);
         std::filesystem::create_directories(dir_);
-        const char* tool = std::getenv("KTCLR_TOOL");
-        const char* source = std::getenv("KTCLR_SOURCE_DIR");
-        ASSERT_TRUE(tool && source) << "KTCLR_TOOL and KTCLR_SOURCE_DIR must be set";
-        tool_ = tool;
-        chart_ = std::string(source) + "/data/chart.png";
+        tool_ = KTCLR_TOOL_PATH;
+        chart_ = std::string(KTCLR_SOURCE_PATH) + "/data/chart.png";
     }
     void TearDown() override { std::filesystem::remove_all(dir_); }
 
