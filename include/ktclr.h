@@ -8,5 +8,6 @@
 #include "ktclr/convert.h"
 #include "ktclr/embedded.h"
 #include "ktclr/icc.h"
+#include "ktclr/storage.h"
 
 #endif

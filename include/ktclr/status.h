@@ -42,7 +42,8 @@ enum KtStatusCode {
     ERR_NO_UNICODE_TRANSLATION = -1488, /* narrow/wide conversion impossible */
     ERR_DEFAULT_CHAR_USED = -1851,      /* a default character was substituted */
     ERR_TIFF_NOT_TIFF = -1872,          /* custom table: not a TIFF file */
-    ERR_CHUNK_TOO_LARGE = -1859
+    ERR_CHUNK_TOO_LARGE = -1859,
+    ERR_RIFF_SHORT_READ = -1920         /* a RIFF chunk head or chunk is cut short by the end of the file */
 };
 
 #endif
