@@ -9,5 +9,7 @@
 #include "ktclr/embedded.h"
 #include "ktclr/icc.h"
 #include "ktclr/storage.h"
+#include "ktclr/narrow.h"
+#include "ktclr/dialog.h"
 
 #endif
