@@ -50,6 +50,7 @@
 #include "export.h"
 #include "status.h"
 #include "convert.h"
+#include "narrow.h"
 
 KTCLR_EXTERN_C_BEGIN
 
@@ -85,6 +86,14 @@ KTCLR_EXTERN_C_BEGIN
  * written back as listed above; 0 after Cancel, Escape or closing, with
  * nothing changed; KTCLR_DLG_UNAVAILABLE when the dialog cannot be shown. */
 KTCLR_API KtStatus Vx_ClrDlg(int kind, void* parent, void* reserved, ConversionParams* params);
+
+/* Vx_ClrDlg with narrow paths: params is converted to the wide record
+ * (paths in the locale's multibyte encoding, as the other narrow twins),
+ * shown, and after OK method, iccOptions, the three paths, both memory
+ * pointers and the five trailing values are copied back. A null params
+ * passes null; params neither readable nor writable over its size:
+ * ERR_INVALID_PARAMETER. */
+KTCLR_API KtStatus Vx_ClrDlgA(int kind, void* parent, void* reserved, ConversionParamsA* params);
 
 /* Keeps module and returns it. On Linux the dialogs are built in code by
  * the GTK module, so there are no templates to load and the value is not

@@ -29,7 +29,8 @@ gboolean OnKey(GtkWidget* window, GdkEventKey* e, gpointer) {
         return FALSE;
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(window));
     if (focus && GTK_IS_BUTTON(focus) && !GTK_IS_TOGGLE_BUTTON(focus)) return FALSE;
-    return gtk_window_activate_default(GTK_WINDOW(window));
+    GtkWidget* ok = gtk_window_get_default_widget(GTK_WINDOW(window));
+    return ok && gtk_widget_is_sensitive(ok) && gtk_widget_activate(ok);
 }
 
 // GTK may only be initialized once the locale is kept; false without a display.
