@@ -84,7 +84,8 @@ KTCLR_EXTERN_C_BEGIN
  * 20 bytes) must be present, readable and writable; else
  * ERR_INVALID_PARAMETER. Returns STATUS_OK after OK, with the choices
  * written back as listed above; 0 after Cancel, Escape or closing, with
- * nothing changed; KTCLR_DLG_UNAVAILABLE when the dialog cannot be shown. */
+ * nothing changed; KTCLR_DLG_UNAVAILABLE when the dialog cannot be shown;
+ * ERR_ALLOC when a path cannot be converted for lack of memory. */
 KTCLR_API KtStatus Vx_ClrDlg(int kind, void* parent, void* reserved, ConversionParams* params);
 
 /* Vx_ClrDlg with narrow paths: params is converted to the wide record

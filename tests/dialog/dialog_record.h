@@ -13,7 +13,7 @@ namespace kt::test {
 struct DialogRecord {
     ConversionParams p{};
     CmykOptions cmyk{KTCLR_SIZEOF_CMYK_OPTIONS, 640, 0};
-    IccOptions icc{};
+    IccOptions icc{{KTCLR_WHITE_D65, 0, 0, 0, 0}};
 
     DialogRecord() {
         p.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
@@ -22,26 +22,19 @@ struct DialogRecord {
         p.emulationMethod = 3;
         p.cmykOptions = &cmyk;
         p.iccOptions = &icc;
-        icc.values[0] = KTCLR_WHITE_D65;
-        SetPath(p.srcProfilePath, u"/profiles/source.icm");
-        SetPath(p.dstProfilePath, u"/profiles/destination.icm");
-        SetPath(p.emulationTablePath, u"/tables/grid.tif");
+        std::u16string(u"/profiles/source.icm").copy(p.srcProfilePath, 100);
+        std::u16string(u"/profiles/destination.icm").copy(p.dstProfilePath, 100);
+        std::u16string(u"/tables/grid.tif").copy(p.emulationTablePath, 100);
     }
     DialogRecord(const DialogRecord&) = delete;
 
-    static void SetPath(KtChar16* field, const std::u16string& s) {
-        std::memset(field, 0, sizeof(KtChar16) * KTCLR_PARAMS_PATH_UNITS);
-        std::memcpy(field, s.data(), sizeof(KtChar16) * s.size());
-    }
-    static std::u16string Path(const KtChar16* field) { return std::u16string(field); }
-
-    double X() const { return Double(1); }
-    double Y() const { return Double(3); }
     void SetCustom(double x, double y) {
         icc.values[0] = KTCLR_WHITE_CUSTOM;
         std::memcpy(&icc.values[1], &x, sizeof x);
         std::memcpy(&icc.values[3], &y, sizeof y);
     }
+    double X() const { return Double(1); }
+    double Y() const { return Double(3); }
     double Double(int first) const {
         double v;
         std::memcpy(&v, &icc.values[first], sizeof v);
