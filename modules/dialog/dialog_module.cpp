@@ -11,14 +11,8 @@ using Hook = void (*)(GtkWidget* dialog, void* context);
 Hook g_hook = nullptr;
 void* g_hookContext = nullptr;
 
-struct Pending {
-    GtkWidget* dialog;
-};
-
-gboolean CallHook(gpointer data) {
-    auto* p = static_cast<Pending*>(data);
-    if (g_hook) g_hook(p->dialog, g_hookContext);
-    delete p;
+gboolean CallHook(gpointer dialog) {
+    if (g_hook) g_hook(GTK_WIDGET(dialog), g_hookContext);
     return G_SOURCE_REMOVE;
 }
 
@@ -33,10 +27,11 @@ gboolean OnKey(GtkWidget* window, GdkEventKey* e, gpointer) {
     return ok && gtk_widget_is_sensitive(ok) && gtk_widget_activate(ok);
 }
 
-// GTK may only be initialized once the locale is kept; false without a display.
+// Initializes GTK unless the application already has, without letting it
+// change the process locale; false without a display.
 bool InitGtk() {
     static bool localeKept = false;
-    if (!localeKept) {
+    if (!localeKept && !gdk_display_get_default()) {
         gtk_disable_setlocale();
         localeKept = true;
     }
@@ -50,7 +45,7 @@ void Drain() {
 }  // namespace
 
 int RunModal(GtkWidget* dialog) {
-    if (g_hook) g_idle_add(CallHook, new Pending{dialog});
+    if (g_hook) g_idle_add(CallHook, dialog);
     return gtk_dialog_run(GTK_DIALOG(dialog));
 }
 

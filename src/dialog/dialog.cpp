@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstring>
 #include <mutex>
+#include <new>
 
 #include "convert/handle_internal.h"
 #include "dialog/dialog_state.h"
@@ -118,13 +119,15 @@ void ToRecord(const State& s, ConversionParams* p) {
         if (slots.slot[i]) ToUtf16(slots.slot[i], s.paths[i]);
 }
 
-// Loaded on the first call and kept; a module that failed to load is tried
-// again on the next call.
+// Loaded on the first call and never unloaded, not even at exit: GTK does
+// not support being unloaded. A module that failed to load is tried again
+// on the next call.
 RunFn Runner() {
-    static modules::DllLoader loader;
-    if (!loader.IsLoaded() && !loader.LoadLib(0, 0, kModuleName)) return nullptr;
-    if (!loader.IsFunctionOk(kRunName)) loader.AddFunction(kRunName);
-    return reinterpret_cast<RunFn>(loader.GetFunction(kRunName));
+    alignas(modules::DllLoader) static unsigned char storage[sizeof(modules::DllLoader)];
+    static modules::DllLoader* loader = new (storage) modules::DllLoader;
+    if (!loader->IsLoaded() && !loader->LoadLib(0, 0, kModuleName)) return nullptr;
+    if (!loader->IsFunctionOk(kRunName)) loader->AddFunction(kRunName);
+    return reinterpret_cast<RunFn>(loader->GetFunction(kRunName));
 }
 
 KtStatus Show(int kind, ConversionParams* p) {
