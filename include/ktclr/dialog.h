@@ -4,10 +4,10 @@
  * ConversionParams record for a CMYK or a CIELab conversion. The dialog is
  * a GTK 3 window built by a separate module, ktclr-modules/ktclr-dialog-gtk3.so
  * beside libktclr.so, loaded on the first call; the library itself does not
- * link GTK. The module calls gtk_disable_setlocale() before initializing
- * GTK, so showing the dialog leaves the process locale alone. Call it from
- * one thread at a time (the GTK main thread in a GTK application); calls are
- * serialized.
+ * link GTK. When the module initializes GTK itself it first calls
+ * gtk_disable_setlocale(), so showing the dialog leaves the process locale
+ * alone; a GTK application keeps its own setup. Calls are serialized; in a
+ * GTK application make them from its main thread.
  *
  * Where the dialog keeps its values:
  *   method                      the method list (METHOD_BUILTIN .. METHOD_CUSTOM_EMULATION;
@@ -16,7 +16,8 @@
  *                               KTCLR_WHITE_CUSTOM (any other value opens as D50)
  *   iccOptions->values[1..2]    custom x, a double in host byte order (copy with memcpy)
  *   iccOptions->values[3..4]    custom y, likewise; 0.0 for a standard illuminant
- *   cmykOptions->value          the GCR (black generation, 0..1000; CMYK dialog only,
+ *   cmykOptions->value          the GCR (black generation, 0..1000, larger values open as
+ *                               1000; CMYK dialog only,
  *                               which also sets validMask bit 1 so that
  *                               Vx_ClrSetConversionParams applies it)
  *   cmykOptions->validMask      KTCLR_DLG_BGR_ORDER, KTCLR_DLG_FROM_RGB (both dialogs)
@@ -29,8 +30,9 @@
  *       selected radio button ("RGB To CIELab": "Destination CIELab table",
  *       "CIELab To RGB": "Destination RGB table"). On opening the record's
  *       table shows under the radio button that KTCLR_DLG_FROM_RGB selects.
- * Nothing else is written: emulationMethod, prepareMethods and the other
- * sub-records stay as they are.
+ * Nothing else is written: emulationMethod (which Vx_ClrInit wants at 8
+ * with METHOD_BUILTIN_EMULATION), prepareMethods and the other sub-records
+ * stay as they are.
  *
  * Controls enabled for each method (the others are disabled):
  *   every method        method list, GCR, "BGR Order", "RGB to CMYK" / "RGB to LAB"
@@ -42,8 +44,9 @@
  *
  * Keys: Enter presses OK (unless a push button has the focus), Escape and
  * closing the window cancel. Each control's GTK widget name is its number
- * ("116", "1001", ...); "126" is one GtkSpinButton holding both the GCR
- * edit and its up-down control (127). */
+ * ("116", "1001", OK "1", Cancel "2", the CIELab tables' frame "129");
+ * "126" is one GtkSpinButton holding both the GCR edit and its up-down
+ * control (127). */
 #ifndef KTCLR_DIALOG_H
 #define KTCLR_DIALOG_H
 
