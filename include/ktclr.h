@@ -11,5 +11,6 @@
 #include "ktclr/storage.h"
 #include "ktclr/bitmap.h"
 #include "ktclr/narrow.h"
+#include "ktclr/dialog.h"
 
 #endif
