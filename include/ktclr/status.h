@@ -38,7 +38,7 @@ enum KtStatusCode {
     ERR_PROFILE_SEGMENT_READ = -813,     /* a read failed while scanning an image file's segments */
     ERR_NULL_ARGUMENT = -814,            /* a required pointer (handle, buffer, transform, header) is null */
     ERR_ICC_INVALID_PROFILE = -817,      /* profile bytes shorter than their size field */
-    ERR_CODEC_FUNCTION_MISSING = -825,   /* the PNG codec module or its profile function is unavailable */
+    ERR_CODEC_FUNCTION_MISSING = -825,   /* a run-time module (the PNG codec, the settings dialog) or its function is unavailable; the dialog has no display */
     ERR_UNSUPPORTED_SPACE = -918,        /* color-space id out of range, or no built-in profile for a format */
     WARN_UNKNOWN_TAG = -1150,            /* warning: tag signature not among the known ones (work done) */
     WARN_UNKNOWN_TAG_TYPE = -1151,       /* warning: tag type without a codec, kept as raw bytes (work done) */

@@ -42,7 +42,7 @@ constexpr StatusWords kStatuses[] = {
     {ERR_PROFILE_SEGMENT_READ, "ERR_PROFILE_SEGMENT_READ", "reading the image's segments failed"},
     {ERR_NULL_ARGUMENT, "ERR_NULL_ARGUMENT", "a required pointer is null"},
     {ERR_ICC_INVALID_PROFILE, "ERR_ICC_INVALID_PROFILE", "the profile is shorter than its size field says"},
-    {ERR_CODEC_FUNCTION_MISSING, "ERR_CODEC_FUNCTION_MISSING", "the PNG codec module is unavailable"},
+    {ERR_CODEC_FUNCTION_MISSING, "ERR_CODEC_FUNCTION_MISSING", "a run-time module (PNG codec, settings dialog) is unavailable, or the dialog has no display"},
     {ERR_UNSUPPORTED_SPACE, "ERR_UNSUPPORTED_SPACE", "the color space is out of range or has no built-in profile"},
     {WARN_UNKNOWN_TAG, "WARN_UNKNOWN_TAG", "done; the tag signature is not a known one"},
     {WARN_UNKNOWN_TAG_TYPE, "WARN_UNKNOWN_TAG_TYPE", "done; the tag type has no codec and was kept as bytes"},
