@@ -65,11 +65,21 @@ std::string Narrow(const KtChar16* text, size_t units) {
     return s;
 }
 
-std::string Decode(ICCProfileRecord* r, uint32_t tag, uint32_t type, std::string* problem) {
+std::string LutShape(unsigned in, unsigned out, unsigned grid) {
+    return std::to_string(in) + " in, " + std::to_string(out) + " out, " + std::to_string(grid) + " grid points";
+}
+
+// `element`: the tag's bytes in the profile, `size` of them.
+std::string Decode(ICCProfileRecord* r, uint32_t tag, uint32_t type, const uint8_t* element, uint32_t size,
+                   std::string* problem) {
     AnyTag t;
     memset(&t, 0, sizeof t);
     const KtStatus s = Vx_GetICCTagData(r, &t, tag);
     if (s != STATUS_OK && s != WARN_UNKNOWN_TAG && s != WARN_UNKNOWN_TAG_TYPE && s != WARN_UNKNOWN_TAG_AND_TYPE) {
+        // The library's 'mft1' codec reads entry counts that ICC lut8 tags
+        // do not have; the shape stands at the same bytes in every LUT.
+        if ((type == KTCLR_ICC_SIG('m', 'f', 't', '1') || type == KTCLR_ICC_SIG('m', 'f', 't', '2')) && size > 10)
+            return LutShape(element[8], element[9], element[10]);
         *problem = std::string(Vx_ClrGetStatusName(s)) + " " + std::to_string(s);
         return "";
     }
@@ -102,8 +112,7 @@ std::string Decode(ICCProfileRecord* r, uint32_t tag, uint32_t type, std::string
         break;
     case KTCLR_ICC_SIG('m', 'f', 't', '1'):
     case KTCLR_ICC_SIG('m', 'f', 't', '2'):
-        v = std::to_string(t.lut.inputChannels) + " in, " + std::to_string(t.lut.outputChannels) + " out, " +
-            std::to_string(t.lut.gridPoints) + " grid points";
+        v = LutShape(t.lut.inputChannels, t.lut.outputChannels, t.lut.gridPoints);
         break;
     case KTCLR_ICC_SIG('m', 'A', 'B', ' '):
     case KTCLR_ICC_SIG('m', 'B', 'A', ' '):
@@ -185,7 +194,9 @@ void PrintProfileInfo(const std::string& name, const Bytes& bytes, bool json, FI
         const ICCTagEntry row = p.r.tagList[i];
         const uint32_t type = Vx_GetICCTagTypeSig(&p.r, row.signature);
         std::string problem;
-        const std::string value = Decode(&p.r, row.signature, type, &problem);
+        const bool inside = row.offset <= bytes.size() && row.size <= bytes.size() - row.offset;
+        const std::string value =
+            Decode(&p.r, row.signature, type, bytes.data() + (inside ? row.offset : 0), inside ? row.size : 0, &problem);
         if (json) {
             fprintf(out, "%s{\"signature\": %s, \"type\": %s, \"offset\": %u, \"size\": %u, \"value\": %s%s}",
                     i ? ", " : "", Json(Sig4(row.signature)).c_str(), Json(Sig4(type)).c_str(), row.offset, row.size,
