@@ -254,9 +254,10 @@ int RunConvert(const ConvertOptions& o) {
     if (StderrIsTerminal()) {
         bar = std::thread([&] {
             std::unique_lock<std::mutex> hold(lock);
-            while (!wake.wait_for(hold, std::chrono::milliseconds(100), [&] { return finished; }))
+            do
                 Progress(progress.Fraction(),
                          std::to_string(progress.done) + "/" + std::to_string(progress.total) + " files");
+            while (!wake.wait_for(hold, std::chrono::milliseconds(100), [&] { return finished; }));
         });
     }
     std::vector<std::thread> threads;

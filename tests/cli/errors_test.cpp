@@ -65,7 +65,7 @@ TEST_F(ErrorsTest, OneLineAndStatus) {
     }
 }
 
-TEST_F(ErrorsTest, HelpEverywhereAndVersion) {
+TEST_F(ErrorsTest, HelpEverywhereVersionAndSpaces) {
     for (const char* sub : {"", "convert", "spaces", "profile", "profile info", "profile extract", "profile embed",
                             "profile builtin"}) {
         const Outcome r = Sh(std::string("$KTCLR ") + sub + " --help");
@@ -73,6 +73,8 @@ TEST_F(ErrorsTest, HelpEverywhereAndVersion) {
         EXPECT_NE(r.out.find("Usage:"), std::string::npos) << sub;
     }
     EXPECT_EQ(Ok("$KTCLR --version").rfind("ktclr ", 0), 0u);
+    // spaces: 18 rows of name, id, bits and layout, then the methods.
+    EXPECT_EQ(Ok("$KTCLR spaces | grep -cE '^[a-z0-9]+ +[0-9]+ +(9|12|16|24|32)  [^ ]'"), "18\n");
 }
 
 // A bad file among good ones: the others are converted, the status is 1.

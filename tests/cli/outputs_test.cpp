@@ -1,6 +1,7 @@
-// What the tool writes, read back by independent readers: libtiff's
-// tiffinfo and ImageMagick's identify for format, photometric and sample
-// layout; raw sizes from the layouts; bands and threads change nothing.
+// What the tool reads and writes, against independent tools: ImageMagick
+// decodes the same inputs to the same pixels; libtiff's tiffinfo and
+// ImageMagick's identify read format, photometric and sample layout of the
+// outputs; raw sizes from the layouts; bands and threads change nothing.
 #include <string>
 
 #include "tool_runner.h"
@@ -39,6 +40,34 @@ TEST_F(OutputsTest, FormatsAndLayouts) {
             EXPECT_NE(seen.find(want.substr(at, bar - at)), std::string::npos) << want.substr(at, bar - at) << "\n" << seen;
         }
     }
+}
+
+// Inputs ImageMagick wrote decode to the pixels it decodes: grey expanded,
+// palette and 16-bit samples reduced, alpha dropped, Adobe's inverted CMYK
+// JPEG put right.
+TEST_F(OutputsTest, InputsDecodeAsImageMagickDoes) {
+    const std::pair<const char*, const char*> rows[] = {  // ImageMagick options and file, space read
+        {"-colorspace Gray g.png", "rgb"}, {"-colors 16 PNG8:p.png", "rgb"}, {"-depth 16 PNG48:d.png", "rgb"},
+        {"-interlace PNG i.png", "rgb"}, {"-alpha set -channel A -evaluate set 50% a.png", "rgb"},
+        {"j.jpg", "rgb"}, {"-colorspace Gray gj.jpg", "rgb"}, {"-colorspace CMYK cj.jpg", "cmyk"},
+        {"w.webp", "rgb"}, {"-colorspace Gray -compress lzw gt.tif", "rgb"}, {"-colorspace CMYK ct.tif", "cmyk"},
+    };
+    for (const auto& [made, space] : rows) {
+        SCOPED_TRACE(made);
+        const std::string file = std::string(made).substr(std::string(made).find_last_of(" :") + 1);
+        Ok("convert \"$CHART\" " + std::string(made) + " && convert " + file + " -alpha off -depth 8 " + space +
+           ":theirs.raw && $KTCLR convert " + file + " --to " + space + " -o ours.raw");
+        EXPECT_EQ(Slurp(Path("ours.raw")), Slurp(Path("theirs.raw")));
+    }
+}
+
+// On a terminal (script gives a pseudo-terminal) a progress bar, erased,
+// then the summary; elsewhere the tool is quiet (ErrorsTest).
+TEST_F(OutputsTest, ProgressBarAndSummaryOnATerminal) {
+    Ok("mkdir out && cp \"$CHART\" a.png && cp \"$CHART\" b.png");
+    const std::string shown = Ok("script -qec \"$KTCLR convert a.png b.png --to cmyk -d out\" /dev/null");
+    EXPECT_NE(shown.find("] "), std::string::npos) << shown;
+    EXPECT_NE(shown.find("\r\033[Kktclr: converted 2 of 2 files to cmyk in "), std::string::npos) << shown;
 }
 
 // Every space goes to .raw with its own row size, printed by -v.
