@@ -27,30 +27,16 @@ TEST(DialogChecks, OtherKindsAnswerOkAtOnceWhateverTheRecord) {
 TEST(DialogChecks, RecordChecksAnswerInvalidParameter) {
     MappedPages readOnly(1, MappedPages::Access::read);
     MappedPages tail(1, MappedPages::Access::readWrite);
-    struct Case {
-        const char* what;
-        void (*spoil)(DialogRecord&, MappedPages& readOnly, MappedPages& tail);
-    };
-    const Case cases[] = {
-        {"size 1625", [](DialogRecord& r, MappedPages&, MappedPages&) { r.p.structSize = 1625; }},
-        {"size 0", [](DialogRecord& r, MappedPages&, MappedPages&) { r.p.structSize = 0; }},
-        {"no CMYK record", [](DialogRecord& r, MappedPages&, MappedPages&) { r.p.cmykOptions = nullptr; }},
-        {"no white point", [](DialogRecord& r, MappedPages&, MappedPages&) { r.p.iccOptions = nullptr; }},
-        {"CMYK record read-only",
-         [](DialogRecord& r, MappedPages& ro, MappedPages&) { r.p.cmykOptions = reinterpret_cast<CmykOptions*>(ro.data()); }},
-        {"white point read-only",
-         [](DialogRecord& r, MappedPages& ro, MappedPages&) { r.p.iccOptions = reinterpret_cast<IccOptions*>(ro.data()); }},
-        {"white point past the end", [](DialogRecord& r, MappedPages&, MappedPages& t) {
-             r.p.iccOptions = reinterpret_cast<IccOptions*>(t.end() - 8);
-         }},
-    };
-    for (const Case& c : cases) {
+    void* const unusable[] = {nullptr, readOnly.data(), tail.end() - 8};  // none, read-only, past the end
+    for (int c = 0; c < 8; ++c) {
         DialogRecord r;
-        c.spoil(r, readOnly, tail);
+        if (c < 2) r.p.structSize = c ? 1625 : 0;
+        if (c >= 2 && c < 5) r.p.cmykOptions = static_cast<CmykOptions*>(unusable[c - 2]);
+        if (c >= 5) r.p.iccOptions = static_cast<IccOptions*>(unusable[c - 5]);
         const auto before = r.Bytes();
         for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
-            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), ERR_INVALID_PARAMETER) << c.what;
-        EXPECT_EQ(r.Bytes(), before) << c.what;
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), ERR_INVALID_PARAMETER) << c;
+        EXPECT_EQ(r.Bytes(), before) << c;
     }
 }
 

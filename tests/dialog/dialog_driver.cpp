@@ -3,7 +3,9 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
+#include <sstream>
 
 namespace kt::test {
 namespace {
@@ -47,16 +49,25 @@ void InstallHook() {
     done = true;
 }
 
-struct Search {
-    const char* id;
-    GtkWidget* found;
-};
+using Visit = std::function<void(GtkWidget*)>;
 
-void Visit(GtkWidget* w, gpointer data) {
-    auto* s = static_cast<Search*>(data);
-    if (s->found) return;
-    if (g_strcmp0(gtk_widget_get_name(w), s->id) == 0) s->found = w;
-    else if (GTK_IS_CONTAINER(w)) gtk_container_forall(GTK_CONTAINER(w), Visit, s);
+// Calls `f` on `w` and on every widget inside it, in order.
+void Walk(GtkWidget* w, const Visit& f) {
+    f(w);
+    if (GTK_IS_CONTAINER(w))
+        gtk_container_forall(GTK_CONTAINER(w), [](GtkWidget* c, gpointer v) { Walk(c, *static_cast<Visit*>(v)); },
+                             const_cast<Visit*>(&f));
+}
+
+template <class F>
+std::string Each(const std::string& ids, F f) {
+    std::istringstream in(ids);
+    std::string out;
+    for (std::string id; in >> id;) {
+        const std::string v = f(id.c_str());
+        if (!v.empty()) out.append(out.empty() ? "" : " ").append(v);
+    }
+    return out;
 }
 
 }  // namespace
@@ -67,15 +78,39 @@ void Script(std::vector<Step> steps) {
 }
 
 GtkWidget* Find(GtkWidget* dialog, const char* id) {
-    Search s{id, nullptr};
-    Visit(dialog, &s);
-    EXPECT_NE(s.found, nullptr) << "no control " << id;
-    return s.found;
+    GtkWidget* found = nullptr;
+    Walk(dialog, [&](GtkWidget* w) {
+        if (!found && g_strcmp0(gtk_widget_get_name(w), id) == 0) found = w;
+    });
+    EXPECT_NE(found, nullptr) << "no control " << id;
+    return found;
 }
 
-bool Sensitive(GtkWidget* dialog, const char* id) { return gtk_widget_is_sensitive(Find(dialog, id)); }
+std::string Values(GtkWidget* dialog, const std::string& ids) {
+    return Each(ids, [dialog](const char* id) {
+        GtkWidget* w = Find(dialog, id);
+        if (GTK_IS_COMBO_BOX(w)) return std::to_string(gtk_combo_box_get_active(GTK_COMBO_BOX(w)));
+        if (GTK_IS_TOGGLE_BUTTON(w)) return std::to_string(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(w)));
+        if (GTK_IS_SPIN_BUTTON(w)) return std::to_string(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(w)));
+        const std::string text = gtk_entry_get_text(GTK_ENTRY(w));
+        return text.empty() ? std::string("''") : text;
+    });
+}
 
-std::string Text(GtkWidget* dialog, const char* id) { return gtk_entry_get_text(GTK_ENTRY(Find(dialog, id))); }
+std::string Enabled(GtkWidget* dialog, const std::string& ids) {
+    return Each(ids, [dialog](const char* id) { return gtk_widget_is_sensitive(Find(dialog, id)) ? id : ""; });
+}
+
+std::string Texts(GtkWidget* dialog) {
+    std::vector<std::string> texts;
+    Walk(dialog, [&](GtkWidget* w) {
+        if (GTK_IS_LABEL(w)) texts.emplace_back(gtk_label_get_label(GTK_LABEL(w)));
+    });
+    std::sort(texts.begin(), texts.end());
+    std::string all;
+    for (const std::string& t : texts) all.append(all.empty() ? "" : "|").append(t);
+    return all;
+}
 
 void SetText(GtkWidget* dialog, const char* id, const char* text) {
     gtk_entry_set_text(GTK_ENTRY(Find(dialog, id)), text);

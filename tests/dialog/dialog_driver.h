@@ -19,8 +19,15 @@ using Step = std::function<void(GtkWidget* dialog)>;
 void Script(std::vector<Step> steps);
 
 GtkWidget* Find(GtkWidget* dialog, const char* id);
-bool Sensitive(GtkWidget* dialog, const char* id);
-std::string Text(GtkWidget* dialog, const char* id);
+// What the controls of the space-separated ids hold, space-separated: the
+// list item's index, 0 or 1 for a check box or radio button, the spin
+// button's value, an edit's text.
+std::string Values(GtkWidget* dialog, const std::string& ids);
+// Of the ids, those whose control is enabled.
+std::string Enabled(GtkWidget* dialog, const std::string& ids);
+// Every label of the window (frame titles, control labels with their
+// mnemonics, button texts) in byte order, '|' between them.
+std::string Texts(GtkWidget* dialog);
 void SetText(GtkWidget* dialog, const char* id, const char* text);
 void Choose(GtkWidget* dialog, const char* id, int index);  // list item or radio/check state
 std::vector<std::string> Items(GtkWidget* dialog, const char* id);

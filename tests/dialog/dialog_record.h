@@ -7,18 +7,16 @@
 #include <vector>
 
 #include "ktclr.h"
+#include "support/params.h"
 
 namespace kt::test {
 
 struct DialogRecord {
-    ConversionParams p{};
-    CmykOptions cmyk{KTCLR_SIZEOF_CMYK_OPTIONS, 640, 0};
+    ConversionParams p = Params(METHOD_ICC, 7);
+    CmykOptions cmyk = Cmyk(640);
     IccOptions icc{{KTCLR_WHITE_D65, 0, 0, 0, 0}};
 
     DialogRecord() {
-        p.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
-        p.method = METHOD_ICC;
-        p.prepareMethods = 7;
         p.emulationMethod = 3;
         p.cmykOptions = &cmyk;
         p.iccOptions = &icc;
@@ -33,12 +31,12 @@ struct DialogRecord {
         std::memcpy(&icc.values[1], &x, sizeof x);
         std::memcpy(&icc.values[3], &y, sizeof y);
     }
-    double X() const { return Double(1); }
-    double Y() const { return Double(3); }
-    double Double(int first) const {
-        double v;
-        std::memcpy(&v, &icc.values[first], sizeof v);
-        return v;
+    // The custom point as the record holds it: "x y".
+    std::string Point() const {
+        double x, y;
+        std::memcpy(&x, &icc.values[1], sizeof x);
+        std::memcpy(&y, &icc.values[3], sizeof y);
+        return std::to_string(x) + " " + std::to_string(y);
     }
 
     std::vector<unsigned char> Bytes() const {
