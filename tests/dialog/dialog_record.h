@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <glib.h>
+
 #include "ktclr.h"
 #include "support/params.h"
 
@@ -31,12 +33,21 @@ struct DialogRecord {
         std::memcpy(&icc.values[1], &x, sizeof x);
         std::memcpy(&icc.values[3], &y, sizeof y);
     }
-    // The custom point as the record holds it: "x y".
-    std::string Point() const {
+    // What the dialog writes, in words: method, white point, custom x and y,
+    // GCR, flags, source, destination and table paths.
+    std::string Written() const {
         double x, y;
         std::memcpy(&x, &icc.values[1], sizeof x);
         std::memcpy(&y, &icc.values[3], sizeof y);
-        return std::to_string(x) + " " + std::to_string(y);
+        std::string s;
+        for (const auto v : {p.method, icc.values[0]}) s += std::to_string(v) + " ";
+        s += std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(cmyk.value) + " " +
+             std::to_string(cmyk.validMask);
+        for (const KtChar16* path : {p.srcProfilePath, p.dstProfilePath, p.emulationTablePath}) {
+            g_autofree gchar* utf8 = g_utf16_to_utf8(reinterpret_cast<const gunichar2*>(path), -1, nullptr, nullptr, nullptr);
+            s += std::string(" ") + (utf8 ? utf8 : "?");
+        }
+        return s;
     }
 
     std::vector<unsigned char> Bytes() const {

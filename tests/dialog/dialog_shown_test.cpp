@@ -12,8 +12,6 @@
 namespace kt::test {
 namespace {
 
-using Strings = std::vector<std::string>;
-
 // Shows the dialog of `kind` and runs `step` on it; the dialog's answer.
 KtStatus Show(int kind, ConversionParams* p, Step step) {
     Script({std::move(step)});
@@ -31,34 +29,21 @@ TEST(DialogShown, CmykShowsTheRecordAndOkWritesEveryChoiceBack) {
         EXPECT_EQ(Texts(d), "...|...|...|BGR _Order|Built-in Settings|Cancel|Conversion _Method|Custom ICC Profiles|"
                             "Emulation tables|Miscellaneous|OK|RGB _to CMYK|Y is always 1.0|_CMYK Profile|"
                             "_Destination RGB table|_GCR|_RGB profile|_White point|_x|_y");
-        EXPECT_EQ(Items(d, "116"), (Strings{"Built-in conversion", "ICC profiling", "Custom ICC Profiling",
-                                            "Built-in emulation tables", "Custom emulation tables"}));
-        EXPECT_EQ(Items(d, "123"), (Strings{"D50", "D55", "D65", "D75", "D93", "Custom (xyY) point"}));
+        EXPECT_EQ(Items(d, "116") + "|" + Items(d, "123"),
+                  "Built-in conversion|ICC profiling|Custom ICC Profiling|Built-in emulation tables|"
+                  "Custom emulation tables|D50|D55|D65|D75|D93|Custom (xyY) point");
         EXPECT_EQ(Values(d, "116 123 124 125 117 119 121 126 1001 1002"),
                   "2 5 0.312700 0.329000 /profiles/destination.icm /profiles/source.icm /tables/grid.tif 640 0 1");
         EXPECT_EQ(gtk_entry_get_max_length(GTK_ENTRY(Find(d, "124"))), 8);
         double lo, hi;
         gtk_spin_button_get_range(GTK_SPIN_BUTTON(Find(d, "126")), &lo, &hi);
         EXPECT_TRUE(lo == 0 && hi == 1000);
-        Choose(d, "123", 2);  // a standard illuminant shows 0.0; the custom point comes back
+        Set(d, "123=2");  // a standard illuminant shows 0.0; the custom point comes back
         EXPECT_EQ(Values(d, "124 125"), "0.0 0.0");
-        Choose(d, "123", 5);
-        SetText(d, "124", "0.3457");
-        gtk_spin_button_set_value(GTK_SPIN_BUTTON(Find(d, "126")), 420);
-        Choose(d, "1001", 1);
-        SetText(d, "117", "/p/cmyk.icm");
-        SetText(d, "119", "/p/F\xc3\xa4rg.icm");
-        SetText(d, "121", "/t/rgb.tif");
+        Set(d, "123=5 124=0.3457 126=420 1001=1 117=/p/cmyk.icm 119=/p/F\xc3\xa4rg.icm 121=/t/rgb.tif");
         Key(d, GDK_KEY_Return);  // the method list has the focus: Enter is OK
     }), STATUS_OK);
-    EXPECT_EQ(r.p.method, unsigned(METHOD_CUSTOM_ICC));
-    EXPECT_EQ(r.icc.values[0], KTCLR_WHITE_CUSTOM);
-    EXPECT_EQ(r.Point(), "0.345700 0.329000");
-    EXPECT_EQ(r.cmyk.value, 420u);
-    EXPECT_EQ(r.cmyk.validMask, 1u | KTCLR_DLG_BGR_ORDER | KTCLR_DLG_FROM_RGB);
-    EXPECT_EQ(std::u16string(r.p.srcProfilePath), u"/p/F\u00e4rg.icm");
-    EXPECT_EQ(std::u16string(r.p.dstProfilePath), u"/p/cmyk.icm");
-    EXPECT_EQ(std::u16string(r.p.emulationTablePath), u"/t/rgb.tif");
+    EXPECT_EQ(r.Written(), "4 1 0.345700 0.329000 420 7 /p/F\xc3\xa4rg.icm /p/cmyk.icm /t/rgb.tif");
     EXPECT_EQ(r.p.prepareMethods + r.p.emulationMethod, 7u + 3u);  // not the dialog's
 }
 
@@ -73,28 +58,16 @@ TEST(DialogShown, LabOkWritesTheSelectedTableAndAStandardPoint) {
                             "Lab To RGB conversion|Miscellaneous|OK|RGB To Lab conversion|RGB _to LAB|Y is always 1.0|"
                             "_Destination output profile|_RGB To CIELab|_Source input profile|_White point|_x|_y");
         EXPECT_EQ(Values(d, "135 130 132"), "1 '' /tables/grid.tif");
-        Choose(d, "116", 4);
-        Choose(d, "123", 4);
-        Choose(d, "134", 1);
-        SetText(d, "130", "/t/lab.tif");
-        SetText(d, "117", "/p/in.icm");
-        Choose(d, "1001", 1);
-        Choose(d, "1002", 1);
-        gtk_button_clicked(GTK_BUTTON(Find(d, "1")));
+        Set(d, "116=4 123=4 134=1 130=/t/lab.tif 117=/p/in.icm 1001=1 1002=1");
+        Press(d, "1");
     }), STATUS_OK);
-    EXPECT_EQ(r.p.method, unsigned(METHOD_CUSTOM_EMULATION));
-    EXPECT_EQ(r.icc.values[0], KTCLR_WHITE_D93);
-    EXPECT_EQ(r.Point(), "0.000000 0.000000");
-    EXPECT_EQ(r.cmyk.value, 640u);  // no GCR in the CIELab dialog
-    EXPECT_EQ(r.cmyk.validMask, KTCLR_DLG_BGR_ORDER | KTCLR_DLG_FROM_RGB);
-    EXPECT_EQ(std::u16string(r.p.emulationTablePath), u"/t/lab.tif");
-    EXPECT_EQ(std::u16string(r.p.srcProfilePath), u"/p/in.icm");
-    EXPECT_EQ(std::u16string(r.p.dstProfilePath), u"/profiles/destination.icm");
+    // No GCR in the CIELab dialog: 640 stays.
+    EXPECT_EQ(r.Written(), "16 93 0.000000 0.000000 640 6 /p/in.icm /profiles/destination.icm /t/lab.tif");
 }
 
 TEST(DialogShown, CancelEscapeAndClosingChangeNothing) {
     const std::pair<int, void (*)(GtkWidget*)> cases[] = {
-        {KTCLR_DLG_CMYK, [](GtkWidget* d) { gtk_button_clicked(GTK_BUTTON(Find(d, "2"))); }},
+        {KTCLR_DLG_CMYK, [](GtkWidget* d) { Press(d, "2"); }},
         {KTCLR_DLG_CMYK, [](GtkWidget* d) { Key(d, GDK_KEY_Escape); }},
         {KTCLR_DLG_LAB, [](GtkWidget* d) { Key(d, GDK_KEY_Escape); }},
         {KTCLR_DLG_LAB, [](GtkWidget* d) { gtk_window_close(GTK_WINDOW(d)); }},
@@ -103,9 +76,7 @@ TEST(DialogShown, CancelEscapeAndClosingChangeNothing) {
         DialogRecord r;
         const auto before = r.Bytes();
         EXPECT_EQ(Show(kind, &r.p, [end = end](GtkWidget* d) {
-                      Choose(d, "116", 4);
-                      Choose(d, "1001", 1);
-                      SetText(d, "117", "/changed.icm");
+                      Set(d, "116=4 1001=1 117=/changed.icm");
                       end(d);
                   }),
                   0);
@@ -116,39 +87,35 @@ TEST(DialogShown, CancelEscapeAndClosingChangeNothing) {
 // Without a record the dialog opens on its defaults; then the controls each
 // method (and white point, and CIELab table) enables; OK writes nothing.
 TEST(DialogShown, DefaultsAndTheControlsEachMethodEnables) {
-    struct Case {
-        int kind, method, white, radio;
-        const char* enabled;
+    const std::pair<const char*, const char*> cmyk[] = {  // choices, controls enabled
+        {"116=0 123=0", "116 123 126 1001 1002"},
+        {"116=0 123=5", "116 123 124 125 126 1001 1002"},
+        {"116=1 123=2", "116 123 126 1001 1002"},
+        {"116=2 123=5", "116 117 118 119 120 123 124 125 126 1001 1002"},
+        {"116=3 123=5", "116 126 1001 1002"},
+        {"116=4 123=0", "116 121 122 126 1001 1002"},
     };
-    const Case cases[] = {
-        {1, 0, 0, 0, "116 123 126 1001 1002"},
-        {1, 0, 5, 0, "116 123 124 125 126 1001 1002"},
-        {1, 1, 2, 0, "116 123 126 1001 1002"},
-        {1, 2, 5, 0, "116 117 118 119 120 123 124 125 126 1001 1002"},
-        {1, 3, 5, 0, "116 126 1001 1002"},
-        {1, 4, 0, 0, "116 121 122 126 1001 1002"},
-        {2, 0, 5, 0, "116 123 124 125 1001 1002"},
-        {2, 2, 0, 0, "116 117 118 119 120 123 1001 1002"},
-        {2, 3, 0, 0, "116 1001 1002"},
-        {2, 4, 0, 0, "116 130 131 134 135 1001 1002"},
-        {2, 4, 5, 1, "116 132 133 134 135 1001 1002"},
+    const std::pair<const char*, const char*> lab[] = {
+        {"116=0 123=5", "116 123 124 125 1001 1002"},
+        {"116=2 123=0", "116 117 118 119 120 123 1001 1002"},
+        {"116=3 123=0", "116 1001 1002"},
+        {"116=4 123=0 134=1", "116 130 131 134 135 1001 1002"},
+        {"116=4 123=5 135=1", "116 132 133 134 135 1001 1002"},
     };
-    const char* all[] = {"", "116 117 118 119 120 121 122 123 124 125 126 1001 1002",
-                         "116 117 118 119 120 130 131 132 133 134 135 123 124 125 1001 1002"};
-    const char* defaults[] = {"", "0 0 0.0 '' 175 0 0", "0 0 0.0 '' 0 0 0"};
-    const char* shown[] = {"", "116 123 124 117 126 1001 1002", "116 123 124 117 1001 1002 135"};
     for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
         EXPECT_EQ(Show(kind, nullptr, [&](GtkWidget* d) {
-                      EXPECT_EQ(Values(d, shown[kind]), defaults[kind]);
-                      for (const Case& c : cases) {
-                          if (c.kind != kind) continue;
-                          Choose(d, "116", c.method);
-                          Choose(d, "123", c.white);
-                          if (kind == KTCLR_DLG_LAB) Choose(d, c.radio ? "135" : "134", 1);
-                          EXPECT_EQ(Enabled(d, all[kind]), c.enabled) << "kind " << kind << " method " << c.method;
+                      const bool isCmyk = kind == KTCLR_DLG_CMYK;
+                      EXPECT_EQ(Values(d, isCmyk ? "116 123 124 117 126 1001 1002" : "116 123 124 117 1001 1002 134"),
+                                isCmyk ? "0 0 0.0 '' 175 0 0" : "0 0 0.0 '' 0 0 1");
+                      const std::string all = isCmyk ? "116 117 118 119 120 121 122 123 124 125 126 1001 1002 1 2"
+                                                     : "116 117 118 119 120 130 131 132 133 134 135 123 124 125 "
+                                                       "1001 1002 1 2";
+                      for (const auto& [choices, enabled] : isCmyk ? std::vector(std::begin(cmyk), std::end(cmyk))
+                                                                   : std::vector(std::begin(lab), std::end(lab))) {
+                          Set(d, choices);
+                          EXPECT_EQ(Enabled(d, all), enabled + std::string(" 1 2")) << choices;
                       }
-                      EXPECT_EQ(Enabled(d, "1 2"), "1 2");
-                      gtk_button_clicked(GTK_BUTTON(Find(d, "1")));
+                      Press(d, "1");
                   }),
                   STATUS_OK);
     }
@@ -175,20 +142,20 @@ TEST(DialogShown, BrowseButtonsOpenTheirFileChoosers) {
     std::ofstream(file) << "x";
     for (const Case& c : cases) {
         Script({[&](GtkWidget* d) {
-                    gtk_button_clicked(GTK_BUTTON(Find(d, c.button)));
+                    Press(d, c.button);
                     EXPECT_EQ(Values(d, c.edit), file.string()) << c.button;
-                    gtk_dialog_response(GTK_DIALOG(d), GTK_RESPONSE_CANCEL);
+                    Press(d, "2");
                 },
                 [&](GtkWidget* chooser) {
+                    auto* files = GTK_FILE_CHOOSER(chooser);
                     EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), c.title);
-                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(GTK_FILE_CHOOSER(chooser))),
-                                 c.filter);
-                    gtk_file_chooser_select_filename(GTK_FILE_CHOOSER(chooser), file.c_str());
-                    for (int i = 0; i < 200; ++i) {  // the folder loads in the background
-                        g_autofree gchar* uri = gtk_file_chooser_get_uri(GTK_FILE_CHOOSER(chooser));
-                        if (uri) break;
-                        Pump(10);
-                    }
+                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), c.filter);
+                    gtk_file_chooser_select_filename(files, file.c_str());
+                    auto chosen = [files] {
+                        g_autofree gchar* uri = gtk_file_chooser_get_uri(files);
+                        return uri != nullptr;
+                    };
+                    for (int i = 0; i < 200 && !chosen(); ++i) Pump(10);  // the folder loads in the background
                     gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
                 }});
         EXPECT_EQ(Vx_ClrDlg(c.kind, nullptr, nullptr, nullptr), 0) << c.button;
@@ -205,9 +172,8 @@ TEST(DialogShown, NarrowTwinCopiesTheChoicesBack) {
     std::strcpy(a.emulationTablePath, "/narrow/grid.tif");
     Script({[](GtkWidget* d) {
         EXPECT_EQ(Values(d, "121"), "/narrow/grid.tif");
-        Choose(d, "116", 3);
-        SetText(d, "119", "/narrow/rgb.icm");
-        gtk_button_clicked(GTK_BUTTON(Find(d, "1")));
+        Set(d, "116=3 119=/narrow/rgb.icm");
+        Press(d, "1");
     }});
     ASSERT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &a), STATUS_OK);
     EXPECT_EQ(a.method, unsigned(METHOD_BUILTIN_EMULATION));
