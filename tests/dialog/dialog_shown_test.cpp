@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <tuple>
 
 #include "dialog_driver.h"
 #include "dialog_record.h"
@@ -84,36 +85,34 @@ TEST(DialogShown, CancelEscapeAndClosingChangeNothing) {
     }
 }
 
-// Without a record the dialog opens on its defaults; then the controls each
-// method (and white point, and CIELab table) enables; OK writes nothing.
+// Without a record the dialog opens on its defaults (ids=values); then the
+// controls each method (and white point, and CIELab table) enables; OK
+// writes nothing.
 TEST(DialogShown, DefaultsAndTheControlsEachMethodEnables) {
-    const std::pair<const char*, const char*> cmyk[] = {  // choices, controls enabled
-        {"116=0 123=0", "116 123 126 1001 1002"},
-        {"116=0 123=5", "116 123 124 125 126 1001 1002"},
-        {"116=1 123=2", "116 123 126 1001 1002"},
-        {"116=2 123=5", "116 117 118 119 120 123 124 125 126 1001 1002"},
-        {"116=3 123=5", "116 126 1001 1002"},
-        {"116=4 123=0", "116 121 122 126 1001 1002"},
+    const std::tuple<int, const char*, const char*> cases[] = {  // kind, choices, controls enabled
+        {1, "116=0 123=0", "116 123 126 1001 1002"},
+        {1, "116=0 123=5", "116 123 124 125 126 1001 1002"},
+        {1, "116=1 123=2", "116 123 126 1001 1002"},
+        {1, "116=2 123=5", "116 117 118 119 120 123 124 125 126 1001 1002"},
+        {1, "116=3 123=5", "116 126 1001 1002"},
+        {1, "116=4 123=0", "116 121 122 126 1001 1002"},
+        {2, "116=0 123=5", "116 123 124 125 1001 1002"},
+        {2, "116=2 123=0", "116 117 118 119 120 123 1001 1002"},
+        {2, "116=3 123=0", "116 1001 1002"},
+        {2, "116=4 123=0 134=1", "116 130 131 134 135 1001 1002"},
+        {2, "116=4 123=5 135=1", "116 132 133 134 135 1001 1002"},
     };
-    const std::pair<const char*, const char*> lab[] = {
-        {"116=0 123=5", "116 123 124 125 1001 1002"},
-        {"116=2 123=0", "116 117 118 119 120 123 1001 1002"},
-        {"116=3 123=0", "116 1001 1002"},
-        {"116=4 123=0 134=1", "116 130 131 134 135 1001 1002"},
-        {"116=4 123=5 135=1", "116 132 133 134 135 1001 1002"},
-    };
+    const char* all[] = {"", "116 117 118 119 120 121 122 123 124 125 126 1001 1002 1 2",
+                         "116 117 118 119 120 130 131 132 133 134 135 123 124 125 1001 1002 1 2"};
+    const char* defaults[] = {"", "116 123 124 117 126 1001 1002=0 0 0.0 '' 175 0 0", "116 123 124 117 134=0 0 0.0 '' 1"};
     for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
         EXPECT_EQ(Show(kind, nullptr, [&](GtkWidget* d) {
-                      const bool isCmyk = kind == KTCLR_DLG_CMYK;
-                      EXPECT_EQ(Values(d, isCmyk ? "116 123 124 117 126 1001 1002" : "116 123 124 117 1001 1002 134"),
-                                isCmyk ? "0 0 0.0 '' 175 0 0" : "0 0 0.0 '' 0 0 1");
-                      const std::string all = isCmyk ? "116 117 118 119 120 121 122 123 124 125 126 1001 1002 1 2"
-                                                     : "116 117 118 119 120 130 131 132 133 134 135 123 124 125 "
-                                                       "1001 1002 1 2";
-                      for (const auto& [choices, enabled] : isCmyk ? std::vector(std::begin(cmyk), std::end(cmyk))
-                                                                   : std::vector(std::begin(lab), std::end(lab))) {
+                      const std::string ids = defaults[kind];
+                      EXPECT_EQ(Values(d, ids.substr(0, ids.find('='))), ids.substr(ids.find('=') + 1));
+                      for (const auto& [k, choices, enabled] : cases) {
+                          if (k != kind) continue;
                           Set(d, choices);
-                          EXPECT_EQ(Enabled(d, all), enabled + std::string(" 1 2")) << choices;
+                          EXPECT_EQ(Enabled(d, all[kind]), enabled + std::string(" 1 2")) << choices;
                       }
                       Press(d, "1");
                   }),
