@@ -10,8 +10,9 @@ if [ "${1:-}" = "--tests" ]; then
   # GTK 3, Xvfb and xdotool for the dialog tests.
   pkgs="$pkgs libgtk-3-dev xvfb xauth xdotool"
   # Independent readers and writers of image files for the storage and tool
-  # tests; Little CMS's tificc for the tool's ICC conversions.
-  pkgs="$pkgs libimage-exiftool-perl imagemagick libjpeg-turbo-progs libtiff-tools webp liblcms2-utils"
+  # tests; Little CMS's tificc for the tool's ICC conversions; python3 reads
+  # the tool's JSON.
+  pkgs="$pkgs libimage-exiftool-perl imagemagick libjpeg-turbo-progs libtiff-tools webp liblcms2-utils python3"
 fi
 missing=""
 for p in $pkgs; do
