@@ -2,8 +2,9 @@
 // 32-byte prefix and suffix, then per colour a 32-byte root name, three
 // 16-bit PCS values and the device values. Creating keeps only the upper
 // half of the vendor flags and copies the PCS values as they stand (only
-// the device values are turned big-endian): files written by the toolkit
-// have always carried them so. Parsing reads everything big-endian.
+// the device values are turned big-endian), so a created colour reads back
+// with its PCS bytes swapped; the 'ncl2' sample of tests/icc/tag_samples.h
+// pins the bytes. Parsing reads everything big-endian.
 #include <cstddef>
 #include <cstring>
 

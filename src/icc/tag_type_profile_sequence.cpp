@@ -1,8 +1,9 @@
 // 'pseq': a count, then per profile its manufacturer and model signatures,
 // its 64-bit attributes, its technology and two embedded 'mluc' tags (the
 // manufacturer's and the model's description). Creating copies the
-// attributes as they stand, as the toolkit always has; parsing reads them
-// big-endian.
+// attributes as they stand in memory while parsing reads them big-endian,
+// so they come back with their bytes swapped (the 'pseq' sample of
+// tests/icc/tag_samples.h pins the bytes).
 #include <cstring>
 #include <initializer_list>
 

@@ -1,7 +1,8 @@
 // 'text'. Creating counts the caller's UTF-16 units but copies that many
-// bytes plus one, so "AB" is stored as 41 00 42: kept as the toolkit has
-// always written it. Parsing reads the stored bytes as the ASCII string the
-// format describes, up to its terminator, and widens them to UTF-16.
+// bytes plus one, so "AB" is stored as 41 00 42 and only Latin text of one
+// character survives a round trip (TagQuirks.TextCopiesBytesNotUnits).
+// Parsing reads the stored bytes as the ASCII string the format describes,
+// up to its terminator, and widens them to UTF-16.
 #include <cstring>
 
 #include "icc/big_endian.h"
