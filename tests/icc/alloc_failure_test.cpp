@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "icc_fixtures.h"
+#include "icc_test_support.h"
 #include "support/alloc_failures.h"
 
 namespace {
