@@ -62,22 +62,31 @@ struct Sample {
     std::function<void(const void* parsed)> check = nullptr;
 };
 
-// The lutAtoB / lutBtoA sample: one channel each way, every element
-// present: B a curve of no entries, M a gamma, A a 'para' of type 0, a
-// one-byte CLUT of two grid points.
+// The lutAtoB / lutBtoA sample: `channels` each way (1, or 3 for a reader
+// that wants a 3x3 matrix to fit), every element present: B curves of no
+// entries, M gammas, A 'para' curves of type 0, a one-byte CLUT of two grid
+// points per input.
 struct AbParts {
     uint16_t gamma = 0x0233;
     int32_t g = 0x20000;
-    ICCCurveType b[1] = {{Sig("curv"), 0, 0, nullptr}};
-    ICCCurveType m[1] = {{Sig("curv"), 0, 1, &gamma}};
-    ICCParametricCurveType a[1] = {{Sig("para"), 0, 0, 0, &g}};
-    uint8_t entries[2] = {0x11, 0x22};
-    ICCCLUT clut{{2}, 1, {0, 0, 0}, entries};
+    ICCCurveType b[3], m[3];
+    ICCParametricCurveType a[3];
+    uint8_t entries[24];
+    ICCCLUT clut{};
     ICCLutAtoB lut{};
 
-    explicit AbParts(uint32_t type) {
+    explicit AbParts(uint32_t type, uint8_t channels = 1) {
+        for (int i = 0; i < 3; ++i) {
+            b[i] = {Sig("curv"), 0, 0, nullptr};
+            m[i] = {Sig("curv"), 0, 1, &gamma};
+            a[i] = {Sig("para"), 0, 0, 0, &g};
+            clut.gridPoints[i] = i < channels ? 2 : 0;
+        }
+        for (int i = 0; i < 24; ++i) entries[i] = uint8_t(0x11 * (i + 1));
+        clut.precision = 1;
+        clut.data = entries;
         lut.signature = type;
-        lut.inputChannels = lut.outputChannels = 1;
+        lut.inputChannels = lut.outputChannels = channels;
         lut.curvesB = b;
         lut.curvesM = m;
         lut.curvesA = a;
@@ -85,6 +94,7 @@ struct AbParts {
         const int32_t matrix[12] = {0x10000, 0, 0, 0, 0x10000, 0, 0, 0, 0x10000, 1, 2, 3};
         std::memcpy(lut.matrix, matrix, sizeof matrix);
     }
+    // The element of the one-channel sample.
     Bytes Element(const char* type) const {
         return Cat({Head(type), {1, 1, 0, 0}, Be32s({32, 44, 92, 108, 132}), Head("curv"), Be32s({0}),
                     Be32s({0x10000, 0, 0, 0, 0x10000, 0, 0, 0, 0x10000, 1, 2, 3}), Head("curv"),
