@@ -1,19 +1,13 @@
 // Helpers shared by the profile-model tests: byte spelling, a record that
-// frees itself, tag round trips through a profile, bare parses and the
-// distribution's profiles.
+// frees itself, tag round trips through a profile and bare parses.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <initializer_list>
-#include <iterator>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -28,7 +22,6 @@ constexpr uint32_t Sig(const char (&s)[5]) {
     return (uint32_t(uint8_t(s[0])) << 24) | (uint32_t(uint8_t(s[1])) << 16) | (uint32_t(uint8_t(s[2])) << 8) |
            uint32_t(uint8_t(s[3]));
 }
-inline uint16_t Be16(const uint8_t* p) { return uint16_t((p[0] << 8) | p[1]); }
 inline uint32_t Be32(const uint8_t* p) {
     return (uint32_t(p[0]) << 24) | (uint32_t(p[1]) << 16) | (uint32_t(p[2]) << 8) | p[3];
 }
@@ -172,30 +165,6 @@ inline std::vector<CurveValues> ValuesOfFlatSet(const void* flat, uint32_t count
         p += Vx_ClrIntGetLutCurveSize(p, 1, 0, 0);
     }
     return out;
-}
-
-inline Bytes ReadAll(const std::string& path) {
-    std::ifstream f(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
-}
-
-// The ICC profiles of icc-profiles-free, colord-data and argyll-ref.
-inline std::vector<std::string> DistributionProfiles() {
-    std::set<std::string> paths;
-    for (const char* package : {"icc-profiles-free", "colord-data", "argyll-ref"}) {
-        FILE* pipe = popen((std::string("dpkg -L ") + package + " 2>/dev/null").c_str(), "r");
-        if (!pipe) continue;
-        char line[4096];
-        while (std::fgets(line, sizeof line, pipe)) {
-            std::string path(line);
-            while (!path.empty() && (path.back() == '\n' || path.back() == '\r')) path.pop_back();
-            std::string ext = path.size() > 4 ? path.substr(path.size() - 4) : "";
-            std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
-            if ((ext == ".icc" || ext == ".icm") && std::ifstream(path).good()) paths.insert(path);
-        }
-        pclose(pipe);
-    }
-    return std::vector<std::string>(paths.begin(), paths.end());
 }
 
 }  // namespace icctest

@@ -9,14 +9,43 @@
 #include <lcms2.h>
 #include <lcms2_plugin.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <ctime>
+#include <fstream>
+#include <iterator>
 #include <map>
+#include <set>
 
 #include "tag_samples.h"
 
 namespace {
 
 using namespace icctest;
+
+Bytes ReadAll(const std::string& path) {
+    std::ifstream f(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
+}
+
+// The ICC profiles of icc-profiles-free, colord-data and argyll-ref.
+std::vector<std::string> DistributionProfiles() {
+    std::set<std::string> paths;
+    for (const char* package : {"icc-profiles-free", "colord-data", "argyll-ref"}) {
+        FILE* pipe = popen((std::string("dpkg -L ") + package + " 2>/dev/null").c_str(), "r");
+        if (!pipe) continue;
+        char line[4096];
+        while (std::fgets(line, sizeof line, pipe)) {
+            std::string path(line);
+            while (!path.empty() && (path.back() == '\n' || path.back() == '\r')) path.pop_back();
+            std::string ext = path.size() > 4 ? path.substr(path.size() - 4) : "";
+            std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+            if ((ext == ".icc" || ext == ".icm") && std::ifstream(path).good()) paths.insert(path);
+        }
+        pclose(pipe);
+    }
+    return std::vector<std::string>(paths.begin(), paths.end());
+}
 
 double S15(int32_t v) { return v / 65536.0; }
 double U16(uint32_t v) { return v / 65536.0; }
