@@ -12,9 +12,12 @@
 #include "colormodels/kernels.h"
 #include "colormodels/lab_tables.h"
 #include "colormodels/reference/lab_xyz_reference.h"
+#include "colormodels/rgb_family_support.h"
 
 namespace kt {
 namespace {
+
+using LabXyzExhaustive = test::AtEveryLevel;
 
 constexpr std::size_t kAll = std::size_t{1} << 24;
 using Bytes = std::vector<std::uint8_t>;
@@ -83,7 +86,7 @@ void ExpectExact(const Mismatch& m, const char* what) {
     EXPECT_EQ(m.count, 0u) << what << ": first differing input " << m.first << ", max difference " << m.maxDiff;
 }
 
-TEST(LabXyzExhaustive, RgbToLabMatchesFormulaInBothOrders) {
+TEST_P(LabXyzExhaustive, RgbToLabMatchesFormulaInBothOrders) {
     const Bytes want = Expected([](std::size_t i, std::uint8_t* o) {
         const ktref::Triple t = ktref::RgbToLab(int(i >> 16), int((i >> 8) & 255), int(i & 255));
         o[0] = t.v[0], o[1] = t.v[1], o[2] = t.v[2];
@@ -104,7 +107,7 @@ TEST(LabXyzExhaustive, RgbToLabMatchesFormulaInBothOrders) {
     delete table;
 }
 
-TEST(LabXyzExhaustive, LabToRgbMatchesFormulaInBothOrders) {
+TEST_P(LabXyzExhaustive, LabToRgbMatchesFormulaInBothOrders) {
     const Bytes want = Expected([](std::size_t i, std::uint8_t* o) {
         const ktref::Rgb p = ktref::LabToRgb(int(i >> 16), int((i >> 8) & 255), int(i & 255));
         o[0] = p.r, o[1] = p.g, o[2] = p.b;
@@ -113,7 +116,7 @@ TEST(LabXyzExhaustive, LabToRgbMatchesFormulaInBothOrders) {
     ExpectExact(Compare(RunKernel(color::LabToRgb, 0), want, true, Side::output), "Lab to BGR");
 }
 
-TEST(LabXyzExhaustive, XyzBothWaysInBothOrders) {
+TEST_P(LabXyzExhaustive, XyzBothWaysInBothOrders) {
     const Bytes toXyz = Expected([](std::size_t i, std::uint8_t* o) {
         const ktref::Triple t = ktref::RgbToXyz(int(i >> 16), int((i >> 8) & 255), int(i & 255));
         o[0] = t.v[0], o[1] = t.v[1], o[2] = t.v[2];
@@ -151,10 +154,12 @@ void CheckLabTable(const double white[3], const double matrix[9], const char* na
     delete table;
 }
 
-TEST(LabXyzExhaustive, LabTablesAgreeWithFormulaForTheirWhitePointAndMatrix) {
+TEST(LabXyzTables, LabTablesAgreeWithFormulaForTheirWhitePointAndMatrix) {
     CheckLabTable(color::kInitWhitePoint, color::kXyzToRgbMatrix, "creation white point");
     CheckLabTable(color::kSetParamsWhitePoint, color::kSetParamsMatrix, "second white point");
 }
+
+KT_AT_EVERY_LEVEL(LabXyzExhaustive);
 
 }  // namespace
 }  // namespace kt

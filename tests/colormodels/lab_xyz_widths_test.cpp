@@ -1,11 +1,9 @@
 // The Lab and XYZ kernels convert rows in chunks with a short last chunk:
 // every width from 1 to 70, paddings 0 to 3 on either side, both RGB orders
 // and in-place conversion, on random pixels, against the literal reference;
-// padding bytes stay as they were. The Lab rows' instruction-set variants
-// (baseline, AVX2, AVX-512, as far as the processor has them) each against
-// the reference on a grid of inputs, since the exhaustive test sees only the
-// variant this processor picks; the RGB to Lab rows also with the range of t
-// checked, the path of tables that do not bound it.
+// padding bytes stay as they were; at every instruction-set level. The Lab
+// rows against the reference on a grid of inputs, the RGB to Lab rows also
+// with the range of t checked, the path of tables that do not bound it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,9 +16,12 @@
 #include "colormodels/lab_engine.h"
 #include "colormodels/lab_tables.h"
 #include "colormodels/reference/lab_xyz_reference.h"
+#include "colormodels/rgb_family_support.h"
 
 namespace kt {
 namespace {
+
+using LabXyzWidths = test::AtEveryLevel;
 
 using Bytes = std::vector<std::uint8_t>;
 constexpr int kHeight = 3;
@@ -84,7 +85,7 @@ void Check(const Case& c, std::mt19937& rng) {
     EXPECT_EQ(bad, 0) << c.name << ", first: " << first;
 }
 
-TEST(LabXyzWidths, EveryWidthPaddingOrderAndInPlace) {
+TEST_P(LabXyzWidths, EveryWidthPaddingOrderAndInPlace) {
     std::mt19937 rng(2024);
     const Case cases[] = {
         {"rgb->lab", color::RgbToLab, FromRgb<ktref::RgbToLab>},
@@ -114,42 +115,44 @@ Bytes GridAndRandom() {
     return px;
 }
 
-// Runs a row over the pixels with each variant (width as given, so the last
-// chunk is short) and counts differences from the reference.
+// Runs a row over the pixels (width as given, so the last chunk is short)
+// and counts differences from the reference.
+color::rows::Row Row(const color::rows::IsaRows& rows, int order) {
+    const color::rows::OrderedRows& picked = color::rows::Pick(rows);
+    return order ? picked.rgb : picked.bgr;
+}
+
 template <class Row>
 void CheckVariants(const Bytes& px, const char* name, RefPixel ref, const Row& row) {
     const int width = static_cast<int>(px.size() / 3);
     for (int order : {1, 0}) {
         Bytes want(px.size());
         for (int x = 0; x < width; ++x) ref(&px[3 * x], &want[3 * x], order);
-        for (auto isa : {color::Variant::plain, color::Variant::avx2, color::Variant::avx512}) {
-            Bytes got(px.size());
-            row(isa, px.data(), got.data(), width, order ? 0 : 2);
-            int bad = 0, first = -1;
-            for (int x = 0; x < width; ++x)
-                if (!std::equal(&got[3 * x], &got[3 * x + 3], &want[3 * x]) && bad++ == 0) first = x;
-            EXPECT_EQ(bad, 0) << name << " variant " << static_cast<int>(isa) << " order " << order
-                              << ", first differing pixel " << first;
-        }
+        Bytes got(px.size());
+        row(px.data(), got.data(), width, order);
+        int bad = 0, first = -1;
+        for (int x = 0; x < width; ++x)
+            if (!std::equal(&got[3 * x], &got[3 * x + 3], &want[3 * x]) && bad++ == 0) first = x;
+        EXPECT_EQ(bad, 0) << name << " order " << order << ", first differing pixel " << first;
     }
 }
 
-TEST(LabXyzWidths, EveryInstructionSetVariantOfTheLabRows) {
+TEST_P(LabXyzWidths, LabRowsWithAndWithoutTheRangeCheck) {
     const Bytes px = GridAndRandom();
 
     auto forward = std::make_unique<color::ForwardLab>();
     color::BuildForwardLab(forward.get(), 2.2222222222222223, color::kInitWhitePoint, color::kRgbToXyzMatrix);
     EXPECT_TRUE(forward->bounded);
     CheckVariants(px, "rgb->lab", FromRgb<ktref::RgbToLab>,
-                  [&](color::Variant isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
-                      color::ForwardLabRowWith(isa, *forward, s, d, w, rIndex);
+                  [&](const std::uint8_t* s, std::uint8_t* d, int w, int order) {
+                      Row(color::ForwardLabRows(), order)(forward.get(), s, d, w);
                   });
     // The same rows with the range of t checked, as for tables that do not
     // bound it.
     forward->bounded = false;
     CheckVariants(px, "rgb->lab, range checked", FromRgb<ktref::RgbToLab>,
-                  [&](color::Variant isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
-                      color::ForwardLabRowWith(isa, *forward, s, d, w, rIndex);
+                  [&](const std::uint8_t* s, std::uint8_t* d, int w, int order) {
+                      Row(color::ForwardLabRows(), order)(forward.get(), s, d, w);
                   });
 
     color::InverseLab inverse{};
@@ -158,11 +161,14 @@ TEST(LabXyzWidths, EveryInstructionSetVariantOfTheLabRows) {
     std::copy_n(factor, 3, inverse.factor);
     auto encoder = std::make_unique<color::GammaEncoder>();
     color::BuildGammaEncoder(encoder.get(), 0.45);
+    const color::InverseLanes lanes{&inverse, encoder.get()};
     CheckVariants(px, "lab->rgb", ToRgb<ktref::LabToRgb>,
-                  [&](color::Variant isa, const std::uint8_t* s, std::uint8_t* d, int w, int rIndex) {
-                      color::InverseLabLanesWith(isa, inverse, *encoder, s, d, w, rIndex);
+                  [&](const std::uint8_t* s, std::uint8_t* d, int w, int order) {
+                      Row(color::InverseLabRows(), order)(&lanes, s, d, w);
                   });
 }
+
+KT_AT_EVERY_LEVEL(LabXyzWidths);
 
 }  // namespace
 }  // namespace kt

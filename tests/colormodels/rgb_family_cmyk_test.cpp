@@ -13,6 +13,8 @@
 namespace kt {
 namespace {
 
+using RgbFamilyCmyk = test::AtEveryLevel;
+
 using ref::Px3;
 using ref::Px4;
 
@@ -60,17 +62,17 @@ void CheckCmykToRgb(const std::vector<std::uint8_t>& in, int width, int height, 
     }
 }
 
-TEST(RgbFamilyCmyk, SquaredRampIsTheFormula) {
+TEST_P(RgbFamilyCmyk, SquaredRampIsTheFormula) {
     for (int i = 0; i < 256; ++i) EXPECT_EQ(color::SquaredRamp()[i], ref::RampEntry(i)) << i;
     EXPECT_EQ(color::SquaredRamp()[255], 256);
 }
 
-TEST(RgbFamilyCmyk, EveryRgbInput) {
+TEST_P(RgbFamilyCmyk, EveryRgbInput) {
     const std::vector<std::uint8_t> all = test::AllTriples();
     for (int p : {175, 1000, 500}) CheckRgbToCmyk(all, test::kAllSide, test::kAllSide, p);
 }
 
-TEST(RgbFamilyCmyk, RandomRgbForEveryBlackValue) {
+TEST_P(RgbFamilyCmyk, RandomRgbForEveryBlackValue) {
     std::mt19937 rng(7);
     std::vector<std::uint8_t> in(3 * 256 * 256);
     for (auto& b : in) b = static_cast<std::uint8_t>(rng());
@@ -79,7 +81,7 @@ TEST(RgbFamilyCmyk, RandomRgbForEveryBlackValue) {
 
 // Every (C, M, Y) with a key that runs through all 256 values along the
 // buffer, then every (C, M, K) with a few fixed Y, then random pixels.
-TEST(RgbFamilyCmyk, CmykInputs) {
+TEST_P(RgbFamilyCmyk, CmykInputs) {
     std::vector<std::uint8_t> cmyk(4u << 24);
     for (std::uint32_t i = 0; i < (1u << 24); ++i) {
         cmyk[4 * i] = static_cast<std::uint8_t>(i >> 16);
@@ -101,7 +103,7 @@ TEST(RgbFamilyCmyk, CmykInputs) {
     for (int p : kBlacks) CheckCmykToRgb(random, 256, 256, p);
 }
 
-TEST(RgbFamilyCmyk, DocumentedPixels) {
+TEST_P(RgbFamilyCmyk, DocumentedPixels) {
     std::uint8_t rgb[3] = {0, 0, 0}, cmyk[4];
     ASSERT_EQ(color::RgbToCmyk(rgb, cmyk, 1, 1, 0, 0, 1000, 1), STATUS_OK);
     EXPECT_EQ((Px4{cmyk[0], cmyk[1], cmyk[2], cmyk[3]}), (Px4{0, 0, 0, 255}));
@@ -111,6 +113,8 @@ TEST(RgbFamilyCmyk, DocumentedPixels) {
     ASSERT_EQ(color::CmykToRgb(key, rgb, 1, 1, 0, 0, 175, 1), STATUS_OK);
     EXPECT_EQ((Px3{rgb[0], rgb[1], rgb[2]}), (Px3{255, 255, 255}));
 }
+
+KT_AT_EVERY_LEVEL(RgbFamilyCmyk);
 
 }  // namespace
 }  // namespace kt

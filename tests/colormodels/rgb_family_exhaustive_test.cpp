@@ -11,6 +11,8 @@
 namespace kt {
 namespace {
 
+using RgbFamilyExhaustive = test::AtEveryLevel;
+
 using color::Kernel;
 using ref::Px3;
 using test::kAllSide;
@@ -80,7 +82,7 @@ void CheckToRgb(const char* name, Kernel k, Forward f) {
 
 // The copy kernel runs only between the two orders, so it swaps bytes 0 and 2
 // under either flag.
-TEST(RgbFamilyExhaustive, RgbBgrSwap) {
+TEST_P(RgbFamilyExhaustive, RgbBgrSwap) {
     const std::vector<std::uint8_t>& in = Inputs();
     std::vector<std::uint8_t> out(in.size());
     for (int order : {1, 0}) {
@@ -92,21 +94,21 @@ TEST(RgbFamilyExhaustive, RgbBgrSwap) {
     }
 }
 
-TEST(RgbFamilyExhaustive, Cmy) {
+TEST_P(RgbFamilyExhaustive, Cmy) {
     CheckFromRgb("rgb->cmy", color::RgbToCmy, ref::RgbToCmy);
     CheckToRgb("cmy->rgb", color::CmyToRgb, ref::CmyToRgb);
 }
 
-TEST(RgbFamilyExhaustive, Hsv) {
+TEST_P(RgbFamilyExhaustive, Hsv) {
     CheckFromRgb("rgb->hsv", color::RgbToHsv, ref::RgbToHsv);
     CheckToRgb("hsv->rgb", color::HsvToRgb, ref::HsvToRgb);
 }
 
-TEST(RgbFamilyExhaustive, HlsFromRgb) { CheckFromRgb("rgb->hls", color::RgbToHls, ref::RgbToHls); }
+TEST_P(RgbFamilyExhaustive, HlsFromRgb) { CheckFromRgb("rgb->hls", color::RgbToHls, ref::RgbToHls); }
 
 // Every (H, L, S) the kernel accepts, in one call; the rejected pixels
 // (S = 0 with a hue) are left out of the buffer and checked one by one.
-TEST(RgbFamilyExhaustive, HlsToRgb) {
+TEST_P(RgbFamilyExhaustive, HlsToRgb) {
     std::vector<std::uint8_t> in;
     in.reserve(3u << 24);
     for (int h = 0; h < 256; ++h)
@@ -144,27 +146,27 @@ TEST(RgbFamilyExhaustive, HlsToRgb) {
     }
 }
 
-TEST(RgbFamilyExhaustive, Hsi) {
+TEST_P(RgbFamilyExhaustive, Hsi) {
     CheckFromRgb("rgb->hsi", color::RgbToHsi, ref::RgbToHsi);
     CheckToRgb("hsi->rgb", color::HsiToRgb, ref::HsiToRgb);
 }
 
-TEST(RgbFamilyExhaustive, Yuv) {
+TEST_P(RgbFamilyExhaustive, Yuv) {
     CheckFromRgb("rgb->yuv", color::RgbToYuv, ref::RgbToYuv);
     CheckToRgb("yuv->rgb", color::YuvToRgb, ref::YuvToRgb);
 }
 
-TEST(RgbFamilyExhaustive, Yiq) {
+TEST_P(RgbFamilyExhaustive, Yiq) {
     CheckFromRgb("rgb->yiq", color::RgbToYiq, ref::RgbToYiq);
     CheckToRgb("yiq->rgb", color::YiqToRgb, ref::YiqToRgb);
 }
 
-TEST(RgbFamilyExhaustive, Ycbcr) {
+TEST_P(RgbFamilyExhaustive, Ycbcr) {
     CheckFromRgb("rgb->ycbcr", color::RgbToYcbcr, ref::RgbToYcbcr);
     CheckToRgb("ycbcr->rgb", color::YcbcrToRgb, ref::YcbcrToRgb);
 }
 
-TEST(RgbFamilyExhaustive, Rgb444) {
+TEST_P(RgbFamilyExhaustive, Rgb444) {
     const std::vector<std::uint8_t>& in = Inputs();
     std::vector<std::uint8_t> out(2u << 24);
     for (int order : {1, 0}) {
@@ -188,6 +190,8 @@ TEST(RgbFamilyExhaustive, Rgb444) {
             ASSERT_EQ(ReadRgb(&rgb[3 * i], order), ref::Rgb444ToRgb(i >> 8, i & 255)) << i << " order " << order;
     }
 }
+
+KT_AT_EVERY_LEVEL(RgbFamilyExhaustive);
 
 }  // namespace
 }  // namespace kt

@@ -12,6 +12,8 @@
 namespace kt {
 namespace {
 
+using RgbFamilyPacked = test::AtEveryLevel;
+
 using ref::Px3;
 constexpr std::uint8_t kFill = 0xA5;
 
@@ -94,7 +96,7 @@ std::vector<std::uint8_t> RandomBytes(std::size_t n, unsigned seed) {
     return v;
 }
 
-TEST(RgbFamilyPacked, EveryRgbInputAndPaddings) {
+TEST_P(RgbFamilyPacked, EveryRgbInputAndPaddings) {
     const std::vector<std::uint8_t> all = test::AllTriples();
     struct Case { const char* name; color::Kernel from, to; const PackedLayout* L; };
     const Case cases[] = {{"yuyv", color::RgbToYuyv, color::YuyvToRgb, &kYuyv},
@@ -111,7 +113,7 @@ TEST(RgbFamilyPacked, EveryRgbInputAndPaddings) {
 }
 
 // Every (Y, U, V) through the 4:2:2 inverse.
-TEST(RgbFamilyPacked, EveryYuvTriple) {
+TEST_P(RgbFamilyPacked, EveryYuvTriple) {
     std::vector<std::uint8_t> groups(4u << 24), rgb(6u << 24);
     for (std::uint32_t i = 0; i < (1u << 24); ++i) {
         groups[4 * i] = static_cast<std::uint8_t>(i >> 16);     // Y0
@@ -156,7 +158,7 @@ void PlanarFromRgb(const std::uint8_t* rgb, int stride, int width, int height, i
         }
 }
 
-TEST(RgbFamilyPacked, Planar) {
+TEST_P(RgbFamilyPacked, Planar) {
     struct Size { int w, h; };
     for (Size s : {Size{4, 4}, Size{4, 8}, Size{20, 12}, Size{256, 64}, Size{4096, 4096}}) {
         for (int pad : {0, 1, 5}) {
@@ -190,6 +192,8 @@ TEST(RgbFamilyPacked, Planar) {
         }
     }
 }
+
+KT_AT_EVERY_LEVEL(RgbFamilyPacked);
 
 }  // namespace
 }  // namespace kt

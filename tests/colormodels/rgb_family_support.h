@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "colormodels/kernel_variants.h"
+#include "colormodels/cpu.h"
 #include "colormodels/kernels.h"
 
 namespace kt::test {
@@ -30,24 +30,45 @@ inline std::vector<std::uint8_t> AllTriples() {
     return v;
 }
 
-// A kernel that takes its instruction-set variant.
-using VariantKernel = KtStatus (*)(color::Variant, const std::uint8_t*, std::uint8_t*, int, int, int, int, int,
-                                   int) noexcept;
-
-inline const char* Name(color::Variant v) {
+inline const char* Name(color::Isa isa) {
     static const char* const names[] = {"plain", "avx2", "avx512"};
-    return names[static_cast<int>(v)];
+    return names[static_cast<int>(isa)];
 }
 
-// The variants this processor runs as themselves.
-inline std::vector<color::Variant> Variants() {
-    std::vector<color::Variant> all;
-    for (color::Variant v : {color::Variant::plain, color::Variant::avx2, color::Variant::avx512}) {
-        if (color::Usable(v) == v) all.push_back(v);
-        else std::printf("variant %s: not on this processor\n", Name(v));
-    }
+// Caps the kernels' instruction set while it lives.
+class IsaCap {
+public:
+    explicit IsaCap(color::Isa level) : previous_(color::SetIsaCap(level)) {}
+    ~IsaCap() { color::SetIsaCap(previous_); }
+    IsaCap(const IsaCap&) = delete;
+    IsaCap& operator=(const IsaCap&) = delete;
+
+private:
+    color::Isa previous_;
+};
+
+// The levels this processor runs, plain first.
+inline std::vector<color::Isa> Levels() {
+    std::vector<color::Isa> all;
+    const color::Isa best = color::CpuIsa();
+    for (int l = 0; l <= static_cast<int>(best); ++l) all.push_back(static_cast<color::Isa>(l));
     return all;
 }
+
+// Tests run once per level (TEST_P), the kernels capped to it; every plain
+// row is thereby proven on any processor. KT_AT_EVERY_LEVEL(Suite) below the
+// tests instantiates them.
+class AtEveryLevel : public ::testing::TestWithParam<color::Isa> {
+protected:
+    void SetUp() override { previous_ = color::SetIsaCap(GetParam()); }
+    void TearDown() override { color::SetIsaCap(previous_); }
+
+private:
+    color::Isa previous_ = color::Isa::avx512;
+};
+#define KT_AT_EVERY_LEVEL(Suite)                                                       \
+    INSTANTIATE_TEST_SUITE_P(Isa, Suite, ::testing::ValuesIn(::kt::test::Levels()),   \
+                             [](const auto& info) { return std::string(::kt::test::Name(info.param)); })
 
 // Runs body(first, last) over [0, n) on two threads.
 inline void Split2(std::int64_t n, const std::function<void(std::int64_t, std::int64_t)>& body) {

@@ -12,9 +12,12 @@
 
 #include "colormodels/kernels.h"
 #include "colormodels/reference/reference_rgb_family.h"
+#include "colormodels/rgb_family_support.h"
 
 namespace kt {
 namespace {
+
+using RgbFamilyWidths = test::AtEveryLevel;
 
 using ref::Px3;
 constexpr int kHeight = 3;
@@ -26,12 +29,14 @@ constexpr std::uint8_t kFill = 0xA5;
 // in the RGB flag's order on the RGB side.
 using RefPixel = void (*)(const std::uint8_t* in, std::uint8_t* out, int order);
 
+// Bytes and reference are per group of `group` pixels (a 4:2:2 pair).
 struct Case {
     const char* name;
     color::Kernel kernel;
     int srcBytes, dstBytes;
     RefPixel ref;
     int black = 0;
+    int group = 1;
 };
 
 Px3 Rgb(const std::uint8_t* p, int order) { return order ? Px3{p[0], p[1], p[2]} : Px3{p[2], p[1], p[0]}; }
@@ -57,19 +62,20 @@ void ToRgb(const std::uint8_t* in, std::uint8_t* out, int order) {
 void Check(const Case& c, std::mt19937& rng, const std::function<void(std::uint8_t*, int)>& shape = nullptr) {
     int bad = 0;
     std::string first;
-    for (int width = 1; width <= kMaxWidth; ++width)
+    for (int width = c.group; width <= kMaxWidth; width += c.group)
         for (int srcPad = 0; srcPad <= kMaxPad; ++srcPad)
             for (int dstPad = 0; dstPad <= kMaxPad; ++dstPad)
                 for (int order : {1, 0}) {
-                    const int srcStride = width * c.srcBytes + srcPad, dstStride = width * c.dstBytes + dstPad;
+                    const int units = width / c.group;
+                    const int srcStride = units * c.srcBytes + srcPad, dstStride = units * c.dstBytes + dstPad;
                     std::vector<std::uint8_t> src(static_cast<std::size_t>(srcStride) * kHeight);
                     for (auto& b : src) b = static_cast<std::uint8_t>(rng());
                     if (shape)
                         for (int y = 0; y < kHeight; ++y)
-                            for (int x = 0; x < width; ++x) shape(&src[y * srcStride + x * c.srcBytes], order);
+                            for (int x = 0; x < units; ++x) shape(&src[y * srcStride + x * c.srcBytes], order);
                     std::vector<std::uint8_t> want(static_cast<std::size_t>(dstStride) * kHeight, kFill);
                     for (int y = 0; y < kHeight; ++y)
-                        for (int x = 0; x < width; ++x)
+                        for (int x = 0; x < units; ++x)
                             c.ref(&src[y * srcStride + x * c.srcBytes], &want[y * dstStride + x * c.dstBytes], order);
                     std::vector<std::uint8_t> got(want.size(), kFill);
                     const KtStatus status = c.kernel(src.data(), got.data(), width, kHeight, srcPad, dstPad, c.black, order);
@@ -78,7 +84,7 @@ void Check(const Case& c, std::mt19937& rng, const std::function<void(std::uint8
                         // In place: the padding keeps the source's bytes.
                         std::vector<std::uint8_t> inPlace = src, wantInPlace = src;
                         for (int y = 0; y < kHeight; ++y)
-                            std::copy_n(&want[y * dstStride], width * c.dstBytes, &wantInPlace[y * dstStride]);
+                            std::copy_n(&want[y * dstStride], units * c.dstBytes, &wantInPlace[y * dstStride]);
                         ok = ok && c.kernel(inPlace.data(), inPlace.data(), width, kHeight, srcPad, dstPad, c.black, order) ==
                                        STATUS_OK;
                         ok = ok && inPlace == wantInPlace;
@@ -103,7 +109,7 @@ void CmykToRgbRef(const std::uint8_t* in, std::uint8_t* out, int order) {
 
 // Black values on each path: no removal or restoration, the usual ones,
 // and a removal too large for an int.
-TEST(RgbFamilyWidths, Cmyk) {
+TEST_P(RgbFamilyWidths, Cmyk) {
     std::mt19937 rng(4242);
     const Case cases[] = {
         {"rgb->cmyk 175", color::RgbToCmyk, 3, 4, RgbToCmykRef<175>, 175},
@@ -119,6 +125,33 @@ TEST(RgbFamilyWidths, Cmyk) {
     for (const Case& c : cases) Check(c, rng);
 }
 
+template <int Y0, int U, int Y1, int V>
+void Yuv422Ref(const std::uint8_t* in, std::uint8_t* out, int order) {
+    PutRgb(ref::PackedToRgb(in[Y0], in[U], in[V]), out, order);
+    PutRgb(ref::PackedToRgb(in[Y1], in[U], in[V]), out + 3, order);
+}
+void RgbTo444Ref(const std::uint8_t* in, std::uint8_t* out, int order) {
+    const Px3 c = Rgb(in, order);
+    const auto code = ref::RgbToRgb444(c[0], c[1], c[2]);
+    std::copy(code.begin(), code.end(), out);
+}
+void Rgb444ToRgbRef(const std::uint8_t* in, std::uint8_t* out, int order) {
+    PutRgb(ref::Rgb444ToRgb(in[0], in[1]), out, order);
+}
+
+// Pixels of other sizes: the padding stays, and RGB to 4-bit RGB (which
+// shrinks the row) converts in place with equal paddings.
+TEST_P(RgbFamilyWidths, PackedSpaces) {
+    std::mt19937 rng(4422);
+    const Case cases[] = {
+        {"yuyv->rgb", color::YuyvToRgb, 4, 6, Yuv422Ref<0, 1, 2, 3>, 0, 2},
+        {"uyvy->rgb", color::UyvyToRgb, 4, 6, Yuv422Ref<1, 0, 3, 2>, 0, 2},
+        {"rgb->rgb444", color::RgbToRgb444, 3, 2, RgbTo444Ref},
+        {"rgb444->rgb", color::Rgb444ToRgb, 2, 3, Rgb444ToRgbRef},
+    };
+    for (const Case& c : cases) Check(c, rng);
+}
+
 bool HlsPixel(const std::uint8_t* in, std::uint8_t* out, int order) {
     Px3 c{};
     if (!ref::HlsToRgb(in[0], in[1], in[2], &c)) return false;
@@ -127,7 +160,7 @@ bool HlsPixel(const std::uint8_t* in, std::uint8_t* out, int order) {
 }
 void HlsToRgbRef(const std::uint8_t* in, std::uint8_t* out, int order) { HlsPixel(in, out, order); }
 
-TEST(RgbFamilyWidths, ThreeByteSpaces) {
+TEST_P(RgbFamilyWidths, ThreeByteSpaces) {
     std::mt19937 rng(12345);
     const Case cases[] = {
         {"rgb->hsv", color::RgbToHsv, 3, 3, FromRgb<ref::RgbToHsv>},
@@ -151,7 +184,7 @@ TEST(RgbFamilyWidths, ThreeByteSpaces) {
 
 // A hue without saturation stops HLS to RGB at that pixel in any row
 // position: the pixels before it converted, everything after untouched.
-TEST(RgbFamilyWidths, HlsRejectedPixelAnywhere) {
+TEST_P(RgbFamilyWidths, HlsRejectedPixelAnywhere) {
     std::mt19937 rng(777);
     for (int width = 1; width <= 70; ++width)
         for (int at = 0; at < width; ++at) {
@@ -165,6 +198,8 @@ TEST(RgbFamilyWidths, HlsRejectedPixelAnywhere) {
             ASSERT_EQ(got, want) << "width " << width << " at " << at;
         }
 }
+
+KT_AT_EVERY_LEVEL(RgbFamilyWidths);
 
 }  // namespace
 }  // namespace kt
