@@ -20,12 +20,7 @@ constexpr int kTurn = 255;
 constexpr int kDoubleFull = 510;
 constexpr int kLightHalf = 128;
 
-// Quotient of integers |a| < 2^24 and c > 0, truncated toward zero, through
-// one single-precision division so that whole chunks vectorize. Exact: both
-// convert exactly, a whole quotient is exact, and one that is not lies at
-// least 1/c from the next whole number toward infinity while the division
-// is off by at most |a|/c x 2^-24 < 1/c.
-KT_ROW_INLINE int Quot(int a, int c) { return static_cast<int>(static_cast<float>(a) / static_cast<float>(c)); }
+using rows::ExactQuotient;
 
 // The branches become selects so that whole chunks vectorize; a gray pixel
 // divides by 1 and its results are discarded. Of the three hue distances
@@ -41,7 +36,7 @@ KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int wid
             const int l = (sum + 1) * 255 / kDoubleFull;
             const int delta = mx - mn;
             const int den = l >= kLightHalf ? kDoubleFull - sum : sum;
-            const int sat = Quot(delta * 255 + den / 2, den > 0 ? den : 1);
+            const int sat = ExactQuotient(delta * 255 + den / 2, den > 0 ? den : 1);
             const int half = delta / 2;
             const int divisor = delta > 0 ? delta : 1;
             // r largest: db - dg; g largest: dr - db + a third; else dg - dr
@@ -49,7 +44,7 @@ KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int wid
             const int first = r == mx ? mx - b : (g == mx ? mx - r : mx - g);
             const int second = r == mx ? mx - g : (g == mx ? mx - b : mx - r);
             const int base = r == mx ? 0 : (g == mx ? kThird : kTwoThirds);
-            int h = Quot(first * kSixth + half, divisor) - Quot(second * kSixth + half, divisor) + base;
+            int h = ExactQuotient(first * kSixth + half, divisor) - ExactQuotient(second * kSixth + half, divisor) + base;
             h = h < 0 ? h + kTurn : h;
             h = h > kTurn ? h - kTurn : h;
             const bool gray = mx == mn;
@@ -65,8 +60,8 @@ KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int wid
 // ramps are computed and the hue picks one.
 KT_ROW_INLINE int Channel(int m1, int m2, int h) {
     h = h >= kTurn + 1 ? h - kTurn : h;
-    const int rise = m1 + Quot((m2 - m1) * h + kSixth / 2, kSixth);
-    const int fall = m1 + Quot((m2 - m1) * (kTwoThirds - h) + kSixth / 2, kSixth);
+    const int rise = m1 + ExactQuotient((m2 - m1) * h + kSixth / 2, kSixth);
+    const int fall = m1 + ExactQuotient((m2 - m1) * (kTwoThirds - h) + kSixth / 2, kSixth);
     const int x = h < kSixth ? rise : (h < kHalfTurn ? m2 : (h >= kTwoThirds ? m1 : fall));
     return x + (x < 0);  // (x x 255 + 127) / 255, which truncates toward zero
 }

@@ -10,17 +10,12 @@ constexpr int kSextant = 60;
 constexpr int kFullTurnSectors = 6;
 constexpr int kSectorScale = 15300;  // 255 x 60
 
-// Quotient of integers 0 <= a < 2^24 and c > 0, truncated, through one
-// single-precision division so that whole chunks vectorize. Exact: both
-// convert exactly, a whole quotient is exact, and one that is not lies at
-// least 1/c below the next whole number while the division is off by at
-// most a/c x 2^-24 < 1/c.
-KT_ROW_INLINE int Quot(int a, int c) { return static_cast<int>(static_cast<float>(a) / static_cast<float>(c)); }
+using rows::ExactQuotient;
 
 // MulDiv(a, b, c) for c > 0 and small operands, rounded half away from zero.
 KT_ROW_INLINE int MulDivLane(int a, int b, int c) {
     const int p = a * b;
-    const int q = Quot((p < 0 ? -p : p) + c / 2, c);
+    const int q = ExactQuotient((p < 0 ? -p : p) + c / 2, c);
     return p < 0 ? -q : q;
 }
 

@@ -196,6 +196,15 @@ KT_ROW_INLINE void Chunked(const std::uint8_t* s, std::uint8_t* d, int width, co
     return x > -2147483649.0 && x < 2147483648.0 ? static_cast<std::int32_t>(x) : INT32_MIN;
 }
 
+// Quotient of integers |a| < 2^24 and c > 0, truncated toward zero, through
+// one single-precision division so that whole chunks vectorize. Exact: both
+// convert exactly, a whole quotient is exact, and one that is not lies at
+// least 1/c from the next whole number toward infinity while the division
+// is off by at most |a|/c x 2^-24 < 1/c.
+KT_ROW_INLINE int ExactQuotient(int a, int c) {
+    return static_cast<int>(static_cast<float>(a) / static_cast<float>(c));
+}
+
 [[gnu::always_inline]] constexpr int Min3(int a, int b, int c) { return a < b ? (a < c ? a : c) : (b < c ? b : c); }
 
 // Clamp a double into [lo, hi] before truncating it.

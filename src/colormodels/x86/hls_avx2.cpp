@@ -25,10 +25,7 @@ constexpr bool MagicHolds() {
 }
 static_assert(MagicHolds());
 
-// Quot for eight lanes: one exact single-precision division.
-[[gnu::always_inline]] inline __m256i Quotient(__m256i a, __m256i c) {
-    return _mm256_cvttps_epi32(_mm256_div_ps(_mm256_cvtepi32_ps(a), _mm256_cvtepi32_ps(c)));
-}
+using avx2::Quotient;
 
 // The forward row eight pixels at a time; the branches become blends and a
 // gray pixel divides by 1 with its results masked off.

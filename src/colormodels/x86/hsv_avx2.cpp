@@ -79,11 +79,9 @@ void ToRgbAvx2(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
         avx2::StoreClamped(m, to, st.raw, out[0], out[1], out[2]);
     });
 }
-// The forward row's quotients are Quot's exact single-precision divisions,
-// its branches blends.
-[[gnu::always_inline]] inline __m256i Quotient(__m256i a, __m256i c) {
-    return _mm256_cvttps_epi32(_mm256_div_ps(_mm256_cvtepi32_ps(a), _mm256_cvtepi32_ps(c)));
-}
+// The forward row's quotients are exact single-precision divisions, its
+// branches blends.
+using avx2::Quotient;
 
 template <class O>
 void FromRgbAvx2(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {

@@ -159,6 +159,11 @@ template <class F>
                                      [&](const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE { step(m, from, to); });
 }
 
+// rows::ExactQuotient for eight lanes: one exact single-precision division.
+[[gnu::always_inline]] inline __m256i Quotient(__m256i a, __m256i c) {
+    return _mm256_cvttps_epi32(_mm256_div_ps(_mm256_cvtepi32_ps(a), _mm256_cvtepi32_ps(c)));
+}
+
 // The lane-wise clamp.
 [[gnu::always_inline]] inline __m256i Clamp(__m256i v, int lo, int hi) {
     return _mm256_min_epi32(_mm256_max_epi32(v, _mm256_set1_epi32(lo)), _mm256_set1_epi32(hi));
