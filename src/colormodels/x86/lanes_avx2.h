@@ -1,18 +1,23 @@
 // AVX2 steps over 3-byte pixels, eight at a time: the bytes of each position
 // spread into 32-bit lanes and packed back with byte shuffles. Everything
-// here is compiled for AVX2 only; callers check rows::HasAvx2() first and
-// use their plain rows otherwise.
+// here is compiled for AVX2 only (files named *_avx2.cpp), which the
+// dispatcher runs only on processors that have it.
 #pragma once
+
+#if !defined(__AVX2__)
+#error "include only from an AVX2 file (*_avx2.cpp)"
+#endif
 
 #include <immintrin.h>
 
 #include <cstdint>
 #include <cstring>
 
-#pragma GCC push_options
-#pragma GCC target("avx2")
 
 namespace kt::color::avx2 {
+// Internal to each instruction-set file: no inline function compiled for
+// one level may stand in for another's at link time.
+namespace {
 
 constexpr int kStep = 8;          // pixels per step
 constexpr int kStepBytes = 24;    // bytes they occupy
@@ -125,22 +130,38 @@ inline const Masks& TheMasks() {
     return _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(x, _mm256_set1_pd(lo)), _mm256_set1_pd(hi)));
 }
 
-// Runs step(masks, s, d) over the whole row: the last pixels, which a step
-// may not reach, go through a zeroed scratch copy. The step must be inlined
-// (KT_STEP_INLINE) so that the masks and constants stay in registers.
+// The one way an instruction set's row ends: steps of Pixels pixels
+// (InBytes and OutBytes a pixel) run while Reach pixels are left, since a
+// step may read or write past its own pixels; the last pixels go through a
+// zeroed scratch copy, one step at a time.
+template <int Pixels, int Reach, int InBytes, int OutBytes, class F>
+[[gnu::always_inline]] inline void StepRow(const std::uint8_t* s, std::uint8_t* d, int width, const F& step) {
+    int x = 0;
+    for (; x + Reach <= width; x += Pixels, s += InBytes * Pixels, d += OutBytes * Pixels) step(s, d);
+    for (; x < width; x += Pixels, s += InBytes * Pixels, d += OutBytes * Pixels) {
+        const int n = width - x < Pixels ? width - x : Pixels;
+        alignas(64) std::uint8_t scratch[64] = {};
+        static_assert(InBytes * Reach <= 64 && OutBytes * Reach <= 64);
+        std::memcpy(scratch, s, static_cast<std::size_t>(InBytes * n));
+        step(scratch, scratch);
+        std::memcpy(d, scratch, static_cast<std::size_t>(OutBytes * n));
+    }
+}
+
+// Runs step(masks, s, d) over a row of 3-byte pixels, eight at a time. The
+// step must be inlined (KT_STEP_INLINE) so that the masks and constants stay
+// in registers.
 #define KT_STEP_INLINE __attribute__((always_inline))
 template <class F>
 [[gnu::always_inline]] inline void Steps(const std::uint8_t* s, std::uint8_t* d, int width, const F& step) {
     const Masks& m = TheMasks();
-    int x = 0;
-    for (; x + kStepReach <= width; x += kStep, s += kStepBytes, d += kStepBytes) step(m, s, d);
-    for (; x < width; x += kStep, s += kStepBytes, d += kStepBytes) {
-        const int n = width - x < kStep ? width - x : kStep;
-        alignas(32) std::uint8_t scratch[32] = {};
-        std::memcpy(scratch, s, static_cast<std::size_t>(3 * n));
-        step(m, scratch, scratch);
-        std::memcpy(d, scratch, static_cast<std::size_t>(3 * n));
-    }
+    StepRow<kStep, kStepReach, 3, 3>(s, d, width,
+                                     [&](const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE { step(m, from, to); });
+}
+
+// rows::ExactQuotient for eight lanes: one exact single-precision division.
+[[gnu::always_inline]] inline __m256i Quotient(__m256i a, __m256i c) {
+    return _mm256_cvttps_epi32(_mm256_div_ps(_mm256_cvtepi32_ps(a), _mm256_cvtepi32_ps(c)));
 }
 
 // The lane-wise clamp.
@@ -148,6 +169,6 @@ template <class F>
     return _mm256_min_epi32(_mm256_max_epi32(v, _mm256_set1_epi32(lo)), _mm256_set1_epi32(hi));
 }
 
+}  // namespace
 }  // namespace kt::color::avx2
 
-#pragma GCC pop_options

@@ -4,6 +4,10 @@
 // Masked loads and stores take the row's last pixels.
 #pragma once
 
+#if !defined(__AVX512VBMI__)
+#error "include only from an AVX-512 file (*_avx512.cpp)"
+#endif
+
 // GCC 12 takes the AVX-512 intrinsics' undefined pass-through operands for
 // uninitialized reads (its bug 105593); the state applies where the
 // intrinsics are defined, so this header must bring them in first.
@@ -14,10 +18,11 @@
 
 #include <cstdint>
 
-#pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi")
 
 namespace kt::color::rgb444_512 {
+// Internal to each instruction-set file: no inline function compiled for
+// one level may stand in for another's at link time.
+namespace {
 
 constexpr int kStep = 32;        // pixels per step
 constexpr int kRgbBytes = 96;    // their RGB bytes
@@ -107,6 +112,6 @@ void ToRgbRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     if (n > kRegister) _mm512_mask_storeu_epi8(d + kRegister, Bytes(n - kRegister), out[1]);
 }
 
+}  // namespace
 }  // namespace kt::color::rgb444_512
 
-#pragma GCC pop_options

@@ -9,6 +9,10 @@
 // against the reference wherever the processor has it.
 #pragma once
 
+#if !defined(__AVX512VBMI__)
+#error "include only from an AVX-512 file (*_avx512.cpp)"
+#endif
+
 // GCC 12 takes the AVX-512 intrinsics' undefined pass-through operands for
 // uninitialized reads (its bug 105593); the state applies where the
 // intrinsics are defined, so this header must bring them in first.
@@ -19,14 +23,14 @@
 
 #include <cstdint>
 
-#include "colormodels/affine_avx2.h"
-#include "colormodels/affine_variants.h"
+#include "colormodels/x86/affine_avx2.h"
 #include "colormodels/kernel_rows.h"
 
-#pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi")
 
 namespace kt::color::affine512 {
+// Internal to each instruction-set file: no inline function compiled for
+// one level may stand in for another's at link time.
+namespace {
 
 using affine::Fixed3;
 using affine::kShift;
@@ -171,7 +175,7 @@ template <class O, class Exact>
     _mm512_mask_storeu_epi8(d, bytes, out);
 }
 
+}  // namespace
 }  // namespace kt::color::affine512
 
-#pragma GCC pop_options
 

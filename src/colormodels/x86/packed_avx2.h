@@ -4,21 +4,26 @@
 // of packed_yuv_math.h, an arithmetic shift floors them, saturating packs
 // clamp them to bytes and a last shuffle interleaves twelve RGB bytes per
 // half. Each half is stored as 16 bytes, the last four overwritten by what
-// follows, so the steps stop two pixels short of the row's end and the lane
-// loops finish it.
+// follows, so the steps stop two pixels short of the row's end and the
+// scratch copy of avx2::StepRow takes the rest.
 #pragma once
+
+#if !defined(__AVX2__)
+#error "include only from an AVX2 file (*_avx2.cpp)"
+#endif
 
 #include <immintrin.h>
 
 #include <cstdint>
 
-#include "colormodels/kernel_rows.h"
 #include "colormodels/packed_yuv_math.h"
+#include "colormodels/x86/lanes_avx2.h"
 
-#pragma GCC push_options
-#pragma GCC target("avx2")
 
 namespace kt::color::packed256 {
+// Internal to each instruction-set file: no inline function compiled for
+// one level may stand in for another's at link time.
+namespace {
 
 constexpr int kStep = 8;       // pixels per step
 constexpr int kReach = 10;     // pixels a step needs left in the row (four bytes written past it)
@@ -59,9 +64,9 @@ constexpr int WordPair(int low, int high) {
 }
 
 // A row of 4-byte groups with Y0, U, Y1, V at the given positions to pixels
-// in the order O; finish(s, d, n) converts the last n pixels.
-template <int Y0, int U, int Y1, int V, class O, class Finish>
-[[gnu::always_inline]] inline void ToRgbRow(const std::uint8_t* s, std::uint8_t* d, int width, const Finish& finish) {
+// in the order O.
+template <int Y0, int U, int Y1, int V, class O>
+void ToRgbRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     using namespace yuv;
     static const Vectors m(Y0, U, Y1, V, O::r, O::g, O::b);
     const __m256i cR = _mm256_set1_epi32(WordPair(kLumaGain, kRedV));
@@ -69,9 +74,8 @@ template <int Y0, int U, int Y1, int V, class O, class Finish>
     const __m256i cB = _mm256_set1_epi32(WordPair(kLumaGain, kBlueU));
     const __m256i bR = _mm256_set1_epi32(kRedBias), bG = _mm256_set1_epi32(kGreenBias),
                   bB = _mm256_set1_epi32(kBlueBias);
-    int x = 0;
-    for (; x + kReach <= width; x += kStep, s += kInBytes, d += kOutBytes) {
-        const __m256i raw = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s)));
+    avx2::StepRow<kStep, kReach, 2, 3>(s, d, width, [&](const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
+        const __m256i raw = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)));
         const __m256i yv = _mm256_shuffle_epi8(raw, m.yv), yu = _mm256_shuffle_epi8(raw, m.yu),
                       v = _mm256_shuffle_epi8(raw, m.v);
         const __m256i r = _mm256_add_epi32(_mm256_madd_epi16(yv, cR), bR);
@@ -81,12 +85,11 @@ template <int Y0, int U, int Y1, int V, class O, class Finish>
         const __m256i rg = _mm256_packs_epi32(_mm256_srai_epi32(r, kInverseShift), _mm256_srai_epi32(g, kInverseShift));
         const __m256i bs = _mm256_srai_epi32(b, kInverseShift);
         const __m256i out = _mm256_shuffle_epi8(_mm256_packus_epi16(rg, _mm256_packs_epi32(bs, bs)), m.interleave);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm256_castsi256_si128(out));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + kHalfOut), _mm256_extracti128_si256(out, 1));
-    }
-    finish(s, d, width - x);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(out));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + kHalfOut), _mm256_extracti128_si256(out, 1));
+    });
 }
 
+}  // namespace
 }  // namespace kt::color::packed256
 
-#pragma GCC pop_options

@@ -6,6 +6,10 @@
 // the row's last pixels.
 #pragma once
 
+#if !defined(__AVX512VBMI__)
+#error "include only from an AVX-512 file (*_avx512.cpp)"
+#endif
+
 // GCC 12 takes the AVX-512 intrinsics' undefined pass-through operands for
 // uninitialized reads (its bug 105593); the state applies where the
 // intrinsics are defined, so this header must bring them in first.
@@ -18,10 +22,11 @@
 
 #include "colormodels/packed_yuv_math.h"
 
-#pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi")
 
 namespace kt::color::packed512 {
+// Internal to each instruction-set file: no inline function compiled for
+// one level may stand in for another's at link time.
+namespace {
 
 constexpr int kStep = 16;  // pixels per step
 constexpr int kInBytes = 32;
@@ -102,6 +107,6 @@ void ToRgbRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     _mm512_mask_storeu_epi8(d, (std::uint64_t{1} << (3 * n)) - 1, Pixels(m, raw));
 }
 
+}  // namespace
 }  // namespace kt::color::packed512
 
-#pragma GCC pop_options
