@@ -113,6 +113,10 @@ void Choose(const ConvertOptions& o, const std::string& input, PipelineSpec* spe
     } else if (m == Method::Icc) {
         *embed = BuiltinProfile(BuiltinProfileFor(dst));
     }
+    // The built-in Lab profile takes the signed a and b bytes as its device
+    // values; readers that decode TIFF Lab themselves (tificc) would apply
+    // it on top of their own decoding. Lab needs no profile.
+    if (dst == CS_LAB && o.dstProfile.empty()) embed->clear();
     spec->method = m;
     spec->table = o.table;
     spec->black = o.black;
