@@ -1,6 +1,7 @@
 // Every failure is one line on standard error naming the file, with the
 // right exit status: 2 for usage, 1 when inputs failed.
-#include <regex>
+#include <fnmatch.h>
+
 #include <string>
 
 #include "tool_runner.h"
@@ -15,41 +16,41 @@ TEST_F(ErrorsTest, OneLineAndStatus) {
     struct Row {
         const char* args;
         int status;
-        const char* line;  // regular expression for the one line
+        const char* line;  // the one line, * standing for any text
     };
     const Row rows[] = {
         {"convert missing.png --to cmyk -o a.tif", 1, "ktclr: missing.png: cannot open: No such file or directory"},
-        {"convert junk.png --to cmyk -o a.tif", 1, "ktclr: junk.png: not a PNG, JPEG, TIFF or WebP image.*"},
+        {"convert junk.png --to cmyk -o a.tif", 1, "ktclr: junk.png: not a PNG, JPEG, TIFF or WebP image*"},
         {"convert \"$CHART\" --to cmyk -o a.tif --src-profile none.icc", 2,
-         "ktclr: none.icc: no such profile file \\(ERR_FILE_NOT_FOUND -8: .*\\)"},
+         "ktclr: none.icc: no such profile file (ERR_FILE_NOT_FOUND -8: *)"},
         {"convert \"$CHART\" --to cmyk -o a.tif --method custom-emulation --table none.tif", 2,
-         "ktclr: none.tif: no such table file \\(ERR_FILE_NOT_FOUND -8: .*\\)"},
+         "ktclr: none.tif: no such table file (ERR_FILE_NOT_FOUND -8: *)"},
         {"convert \"$CHART\" --to hsv -o a.tif --method icc", 1,
-         "ktclr: .*chart.png: method icc does not convert rgb to hsv; methods that do: builtin"},
+         "ktclr: *chart.png: method icc does not convert rgb to hsv; methods that do: builtin"},
         {"convert \"$CHART\" --to lab -o a.tif --method custom-emulation --table \"$CHART\"", 1,
-         "ktclr: .*chart.png: cannot prepare rgb to lab by custom-emulation \\(ERR_.* -[0-9]+: .*\\)"},
-        {"convert \"$CHART\" --to yuyv -o a.png", 1, "ktclr: .*chart.png: png cannot hold yuyv pixels .*"},
-        {"convert \"$CHART\" --to yuyv -o a.tif", 1, "ktclr: .*chart.png: tiff cannot hold yuyv pixels .*"},
+         "ktclr: *chart.png: cannot prepare rgb to lab by custom-emulation (ERR_* -*: *)"},
+        {"convert \"$CHART\" --to yuyv -o a.png", 1, "ktclr: *chart.png: png cannot hold yuyv pixels *"},
+        {"convert \"$CHART\" --to yuyv -o a.tif", 1, "ktclr: *chart.png: tiff cannot hold yuyv pixels *"},
         {"convert short.raw --from rgb --size 4x4 --to hsv -o a.tif", 1,
          "ktclr: short.raw: the file is shorter than 48 bytes of rgb"},
-        {"convert short.raw --to hsv -o a.tif", 1, "ktclr: short.raw: a .raw input needs --from and --size .*"},
+        {"convert short.raw --to hsv -o a.tif", 1, "ktclr: short.raw: a .raw input needs --from and --size *"},
         {"convert \"$CHART\" --to yuv410 --size 6x6 --from rgb -o a.raw", 0, ""},
-        {"convert \"$CHART\" --to zzz -o a.tif", 2, "ktclr: --to: unknown space 'zzz'; spaces: rgb, .*"},
-        {"convert \"$CHART\" --to cmyk", 2, "ktclr: give the output: -o FILE \\(one input\\) or -d DIR"},
-        {"convert \"$CHART\" \"$CHART\" --to cmyk -o a.tif", 2, "ktclr: -o takes one input; .*"},
+        {"convert \"$CHART\" --to zzz -o a.tif", 2, "ktclr: --to: unknown space 'zzz'; spaces: rgb, *"},
+        {"convert \"$CHART\" --to cmyk", 2, "ktclr: give the output: -o FILE (one input) or -d DIR"},
+        {"convert \"$CHART\" \"$CHART\" --to cmyk -o a.tif", 2, "ktclr: -o takes one input; *"},
         {"convert \"$CHART\" --to cmyk -o a.tif --method builtin --src-profile \"$CHART\"", 2,
-         "ktclr: --src-profile and --dst-profile serve --method custom-icc .*"},
-        {"convert \"$CHART\" --to cmyk -o a.tif --intent sideways", 2, "ktclr: --intent: one of .*"},
-        {"convert \"$CHART\" --to cmyk -o a.tif --bogus", 2, "ktclr: The following argument was not expected: --bogus \\(see --help\\)"},
+         "ktclr: --src-profile and --dst-profile serve --method custom-icc *"},
+        {"convert \"$CHART\" --to cmyk -o a.tif --intent sideways", 2, "ktclr: --intent: one of *"},
+        {"convert \"$CHART\" --to cmyk -o a.tif --bogus", 2, "ktclr: The following argument was not expected: --bogus (see --help)"},
         {"convert \"$CHART\" --to cmyk -o - ", 2, "ktclr: -o - needs --format"},
-        {"profile info junk.png", 1, "ktclr: junk.png: cannot read a profile from it \\(ERR_FORMAT_NOT_SUPPORTED -1154: .*\\)"},
+        {"profile info junk.png", 1, "ktclr: junk.png: cannot read a profile from it (ERR_FORMAT_NOT_SUPPORTED -1154: *)"},
         {"profile embed c.png /usr/share/color/icc/sRGB.icc", 1,
-         "ktclr: c.png: cannot embed the profile \\(ERR_FORMAT_NOT_SUPPORTED -1154: .*\\)"},
-        {"profile embed short.raw junk.png", 1, "ktclr: junk.png: not a valid ICC profile file \\(ERR_.*\\)"},
-        {"profile extract short.raw x.icc", 1, "ktclr: short.raw: cannot read a profile from it \\(ERR_.*\\)"},
-        {"profile builtin rgb no/such/dir/x.icc", 1, "ktclr: no/such/dir/x.icc: cannot create a file beside it: .*"},
-        {"profile builtin srgb x.icc", 2, "ktclr: name: srgb not in \\{.*\\} \\(see --help\\)"},
-        {"frobnicate", 2, "ktclr: A subcommand is required \\(see --help\\)"},
+         "ktclr: c.png: cannot embed the profile (ERR_FORMAT_NOT_SUPPORTED -1154: *)"},
+        {"profile embed short.raw junk.png", 1, "ktclr: junk.png: not a valid ICC profile file (ERR_*)"},
+        {"profile extract short.raw x.icc", 1, "ktclr: short.raw: cannot read a profile from it (ERR_*)"},
+        {"profile builtin rgb no/such/dir/x.icc", 1, "ktclr: no/such/dir/x.icc: cannot create a file beside it: *"},
+        {"profile builtin srgb x.icc", 2, "ktclr: name: srgb not in {*} (see --help)"},
+        {"frobnicate", 2, "ktclr: A subcommand is required (see --help)"},
     };
     for (const Row& r : rows) {
         SCOPED_TRACE(r.args);
@@ -61,7 +62,7 @@ TEST_F(ErrorsTest, OneLineAndStatus) {
             continue;
         }
         ASSERT_EQ(lines.size(), 1u) << run.err;
-        EXPECT_TRUE(std::regex_match(lines[0], std::regex(r.line))) << lines[0];
+        EXPECT_EQ(fnmatch(r.line, lines[0].c_str(), 0), 0) << lines[0];
     }
 }
 
