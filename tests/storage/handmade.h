@@ -1,13 +1,42 @@
-// Builders of small image files byte by byte, for the cases no tool writes.
+// Helpers of the storage tests: files as byte vectors, the loader called
+// by UTF-8 path, and builders of small image files byte by byte for the
+// cases no tool writes.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
-#include "storage_files.h"
+#include "ktclr/storage.h"
+#include "support/scratch_dir.h"
 
 namespace kt::test {
+
+using Bytes = std::vector<uint8_t>;
+
+inline Bytes ReadAll(const std::string& path) {
+    const std::string s = ReadFile(path);
+    return Bytes(s.begin(), s.end());
+}
+inline void WriteAll(const std::string& path, const Bytes& b) { WriteFile(path, std::string(b.begin(), b.end())); }
+inline Bytes Text(const std::string& s) { return Bytes(s.begin(), s.end()); }
+
+struct Loaded {
+    KtStatus status;
+    Bytes bytes;
+};
+inline Loaded Load(const std::string& path) {
+    ICCProfileRecord record{};
+    record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
+    const KtStatus status = Vx_LoadICCProfile(Wide(path).c_str(), &record, nullptr);
+    Loaded out{status, {}};
+    if (record.profileData) out.bytes.assign(record.profileData, record.profileData + record.profileSize);
+    Vx_FreeICCProfile(&record);
+    return out;
+}
 
 inline Bytes Cat(std::initializer_list<Bytes> parts) {
     Bytes out;

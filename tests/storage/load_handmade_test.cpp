@@ -6,6 +6,7 @@
 #include <string>
 
 #include "handmade.h"
+#include "platform/error_report.h"
 
 namespace kt::test {
 namespace {
@@ -111,6 +112,8 @@ const Case kCases[] = {
      ERR_CHUNK_TOO_LARGE, {}},
     {"webp_chunk_past_riff_size", Webp({Chunk("VP8 ", Counting(6, 1)), Chunk("ICCP", kA)}, 30), ERR_CHUNK_TOO_LARGE, {}},
     {"webp_head_cut_short", Webp({Chunk("VP8 ", Counting(6, 1)), Text("ICC")}, 1000), ERR_RIFF_SHORT_READ, {}},
+    {"webp_iccp_data_cut_short", Webp({Chunk("VP8L", Counting(6, 1)), Cat({Text("ICCP"), Le32(7), Counting(7, 0)})}),
+     ERR_RIFF_SHORT_READ, {}},
     {"webp_riff_size_too_small", Webp({Chunk("VP8 ", Counting(6, 1)), Chunk("ICCP", kA)}, 19), ERR_NO_ICC_PROFILE, {}},
 };
 
@@ -120,9 +123,12 @@ TEST(HandmadeFiles, YieldTheirProfileOrStatus) {
         SCOPED_TRACE(c.name);
         const std::string path = dir.File(c.name);
         WriteAll(path, c.file);
+        report::Clear();
         const Loaded loaded = Load(path);
         EXPECT_EQ(loaded.status, c.status);
         EXPECT_EQ(loaded.bytes, c.profile);
+        // A RIFF read cut short goes through the error report as well.
+        EXPECT_EQ(report::Last(), c.status == ERR_RIFF_SHORT_READ ? c.status : STATUS_OK);
     }
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "storage/png_codec.h"
-#include "storage_files.h"
+#include "handmade.h"
 
 namespace kt::test {
 namespace {
@@ -72,8 +72,7 @@ TEST(RealFiles, LoadsWhatExiftoolReads) {
         const Loaded loaded = Load(out);
         EXPECT_EQ(loaded.status, STATUS_OK);
         EXPECT_TRUE(loaded.bytes == witness) << loaded.bytes.size() << " bytes loaded, " << witness.size() << " expected";
-        const std::u16string name = Wide(out);
-        EXPECT_EQ(Vx_HasICCProfile(reinterpret_cast<const KtChar16*>(name.c_str()), nullptr), 1);
+        EXPECT_EQ(Vx_HasICCProfile(Wide(out).c_str(), nullptr), 1);
     }
     storage::testing::ResetPngCodec(nullptr);
 }

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "platform/error_report.h"
 #include "save_support.h"
 
 namespace kt::savetest {
@@ -97,19 +96,6 @@ TEST(SaveWebp, ContainerRules) {
         EXPECT_TRUE(Pixels(path) == pixels);
         EXPECT_TRUE(Loaded(path) == profile + '\0');
     }
-}
-
-// WebP failures are reported as well as returned.
-TEST(SaveWebp, FailuresReachTheErrorReport) {
-    test::ScratchDir dir;
-    const std::string path = dir.File("cut.webp");
-    // The VP8 chunk claims more bytes than the file holds.
-    const std::string bytes = "RIFF" + Le32(100) + "WEBPVP8 " + Le32(88) + std::string(10, '\0');
-    WriteFile(path, bytes);
-    report::Clear();
-    EXPECT_EQ(Save(path, Pattern(200)), ERR_CHUNK_TOO_LARGE);
-    EXPECT_EQ(report::Last(), ERR_CHUNK_TOO_LARGE);
-    EXPECT_TRUE(ReadFile(path) == bytes);
 }
 
 }  // namespace

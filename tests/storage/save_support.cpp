@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "storage_files.h"
+#include "handmade.h"
 
 namespace kt::savetest {
 
