@@ -7,6 +7,8 @@
 #include <string>
 
 #include "handmade.h"
+#include "platform/error_report.h"
+#include "save_support.h"
 #include "storage/png_codec.h"
 #include "support/alloc_failures.h"
 
@@ -36,7 +38,7 @@ protected:
     ScratchDir dir_;
 };
 
-TEST_F(LoadStatus, ArgumentsAndFiles) {
+TEST_F(LoadStatus, Arguments) {
     ICCProfileRecord record{};
     record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
     const std::u16string jpeg = Wide(Make("p.jpg", Jpeg({IccPiece(1, 1, kProfile)})));
@@ -53,27 +55,44 @@ TEST_F(LoadStatus, ArgumentsAndFiles) {
     options.flags = 0;
     EXPECT_EQ(Vx_LoadICCProfile(jpeg.c_str(), &record, &options), STATUS_OK);
     Vx_FreeICCProfile(&record);
+}
 
+// Files of every kind through the loader and the saver; a failing save
+// leaves the file as it was and, for GIF and WebP, reports its status.
+TEST_F(LoadStatus, FilesLoadedAndSaved) {
     mkdir(dir_.File("folder").c_str(), 0755);
+    const std::string locked = Make("locked.gif", Cat({Text("GIF89a"), Counting(20, 0)}));
+    chmod(locked.c_str(), 0444);
     const struct {
         std::string path;
-        KtStatus status;
+        KtStatus load, save;
+        bool reports;
     } files[] = {
-        {dir_.File("missing.jpg"), ERR_FILE_NOT_FOUND},
-        {dir_.File("missing/inside.jpg"), ERR_FILE_NOT_FOUND},
-        {dir_.File("folder"), ERR_FILE_READ},
-        {Make("empty", {}), ERR_FORMAT_NOT_SUPPORTED},
-        {Make("text.jpg", Text("plain text, named like a JPEG\n")), ERR_FORMAT_NOT_SUPPORTED},
-        {Make("image.bmp", Cat({Text("BM"), Counting(60, 0)})), ERR_FORMAT_NOT_SUPPORTED},
-        {Make("image.ppm", Text("P6\n1 1\n255\nabc")), ERR_FORMAT_NOT_SUPPORTED},
-        {Make("image.gif", Cat({Text("GIF89a"), Counting(20, 0)})), ERR_FORMAT_NOT_SUPPORTED},
-        {Make("image.png", Cat({{0x89}, Text("PNG\r\n\x1a\n"), Counting(30, 0)})), ERR_FILE_READ},
-        {Make("ok.webp", Webp({Chunk("VP8 ", Counting(6, 1)), Chunk("ICCP", kProfile)})), STATUS_OK},
+        {dir_.File("missing.jpg"), ERR_FILE_NOT_FOUND, ERR_FILE_NOT_FOUND, false},
+        {dir_.File("missing/inside.jpg"), ERR_FILE_NOT_FOUND, ERR_FILE_NOT_FOUND, false},
+        {dir_.File("folder"), ERR_FILE_READ, ERR_FILE_READ, false},
+        {Make("empty", {}), ERR_FORMAT_NOT_SUPPORTED, ERR_FORMAT_NOT_SUPPORTED, false},
+        {Make("text.jpg", Text("plain text, named like a JPEG\n")), ERR_FORMAT_NOT_SUPPORTED, ERR_FORMAT_NOT_SUPPORTED, false},
+        {Make("image.bmp", Cat({Text("BM"), Counting(60, 0)})), ERR_FORMAT_NOT_SUPPORTED, ERR_FORMAT_NOT_SUPPORTED, false},
+        {Make("image.ppm", Text("P6\n1 1\n255\nabc")), ERR_FORMAT_NOT_SUPPORTED, ERR_FORMAT_NOT_SUPPORTED, false},
+        {locked, ERR_FORMAT_NOT_SUPPORTED, ERR_FILE_CREATE, true},  // read-only
+        {Make("image.png", Cat({{0x89}, Text("PNG\r\n\x1a\n"), Counting(30, 0)})), ERR_FILE_READ,
+         ERR_FORMAT_NOT_SUPPORTED, false},
+        // The first segment runs past the end of the file.
+        {Make("cut.jpg", Cat({{0xFF, 0xD8, 0xFF, 0xE0}, Be16(16), Text("JFIF")})), ERR_FILE_READ, ERR_FILE_READ, false},
+        {Make("cut.webp", Webp({Cat({Text("VP8 "), Le32(88), Counting(10, 0)})}, 100)), ERR_CHUNK_TOO_LARGE,
+         ERR_CHUNK_TOO_LARGE, true},
+        {Make("ok.webp", Webp({Chunk("VP8 ", Counting(6, 1)), Chunk("ICCP", kProfile)})), STATUS_OK, STATUS_OK, false},
     };
     for (const auto& f : files) {
         SCOPED_TRACE(f.path);
-        EXPECT_EQ(Load(f.path).status, f.status);
-        EXPECT_EQ(Vx_HasICCProfile(Wide(f.path).c_str(), nullptr), f.status == STATUS_OK ? 1 : 0);
+        EXPECT_EQ(Load(f.path).status, f.load);
+        EXPECT_EQ(Vx_HasICCProfile(Wide(f.path).c_str(), nullptr), f.load == STATUS_OK ? 1 : 0);
+        const std::string before = ReadFile(f.path);
+        report::Clear();
+        EXPECT_EQ(savetest::Save(f.path, std::string(kProfile.begin(), kProfile.end())), f.save);
+        EXPECT_TRUE(f.save == STATUS_OK || ReadFile(f.path) == before);
+        EXPECT_EQ(report::Last(), f.reports ? f.save : STATUS_OK);
     }
 }
 
