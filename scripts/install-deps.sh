@@ -4,7 +4,7 @@
 # Debian's colour packages, GTK 3, Xvfb and xdotool for the dialog).
 # Runs apt only when something is missing.
 set -eu
-pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev libwebp-dev libcli11-dev"
+pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev zlib1g-dev libjpeg-dev libwebp-dev libcli11-dev"
 if [ "${1:-}" = "--tests" ]; then
   pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll"
   # GTK 3, Xvfb and xdotool for the dialog tests.

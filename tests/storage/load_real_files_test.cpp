@@ -15,7 +15,7 @@ const std::string kBuiltin = std::string(KTCLR_TEST_SOURCE_DIR) + "/data/builtin
 const std::string kSmall = kBuiltin + "rgb_display.icc";  // 3 KB, RGB
 const std::string kTwoSegments = kBuiltin + "cmy.icc";     // 65,656 bytes: two APP2 segments
 const std::string kLarge = kBuiltin + "cmyk_press.icc";    // 725,560 bytes
-const std::string kRgbMedium = "/usr/share/color/icc/colord/WideGamutRGB.icc";  // PNG takes RGB only
+const std::string kRgbMedium = "/usr/share/color/icc/colord/WideGamutRGB.icc";
 
 struct Recipe {
     const char* name;
@@ -38,7 +38,8 @@ const Recipe kRecipes[] = {
     {"webp_lossy_webpmux", "webp", &kTwoSegments, "webpmux -set icc {P} {D}/lossy.webp -o {O} >/dev/null 2>&1"},
     {"webp_lossless_webpmux", "webp", &kLarge, "webpmux -set icc {P} {D}/lossless.webp -o {O} >/dev/null 2>&1"},
     {"webp_cwebp_metadata", "webp", &kTwoSegments, "jpegtran -icc {P} -outfile {O}.jpg {D}/base.jpg && cwebp -quiet -metadata icc {O}.jpg -o {O}"},
-    {"png_exiftool", "png", &kSmall, "exiftool -q -q -o {O} '-icc_profile<={P}' {D}/base.png"},
+    // A CMYK profile in an RGB PNG: exiftool reads it, so the loader must.
+    {"png_exiftool", "png", &kLarge, "exiftool -q -q -o {O} '-icc_profile<={P}' {D}/base.png"},
     {"png_imagemagick", "png", &kRgbMedium, "convert {D}/base.png -profile {P} {O}"},
     {"psd_exiftool", "psd", &kLarge, "exiftool -q -q -o {O} '-icc_profile<={P}' {D}/base.psd"},
     {"psd_imagemagick", "psd", &kSmall, "convert {D}/base.png -profile {P} {O}"},
