@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include <zlib.h>
+
 #include "ktclr/storage.h"
 #include "support/scratch_dir.h"
 
@@ -99,6 +101,24 @@ inline Bytes Psd(std::initializer_list<Bytes> resources, uint32_t colourModeByte
     return Cat({Text("8BPS"), {0, 1}, Counting(6, 0), {0, 3}, Be32(2), Be32(2), {0, 8}, {0, 3}, Be32(colourModeBytes),
                 Counting(colourModeBytes < 4096 ? colourModeBytes : 0, 0), Be32(uint32_t(sectionSize < 0 ? section.size() : sectionSize)), section,
                 Be32(0)});
+}
+
+// PNG: a 1x1 grey image with an iCCP chunk of the given body (none when
+// empty) before its image data.
+inline Bytes Deflate(const Bytes& b) {
+    uLongf n = compressBound(b.size());
+    Bytes out(n);
+    compress(out.data(), &n, b.data(), b.size());
+    out.resize(n);
+    return out;
+}
+inline Bytes PngChunk(const char* type, const Bytes& data) {
+    const Bytes typed = Cat({Text(type), data});
+    return Cat({Be32(uint32_t(data.size())), typed, Be32(uint32_t(crc32(0, typed.data(), uInt(typed.size()))))});
+}
+inline Bytes Png(const Bytes& iccp) {
+    return Cat({{0x89}, Text("PNG\r\n\x1a\n"), PngChunk("IHDR", Cat({Be32(1), Be32(1), {8, 0, 0, 0, 0}})),
+                iccp.empty() ? Bytes{} : PngChunk("iCCP", iccp), PngChunk("IDAT", Deflate({0, 0})), PngChunk("IEND", {})});
 }
 
 // Classic little-endian TIFF whose first directory holds one tag 34675 entry
