@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "handmade.h"
+#include "storage_support.h"
 #include "platform/error_report.h"
 #include "storage/png_codec.h"
 
@@ -144,7 +144,7 @@ TEST_F(HandmadeFiles, YieldTheirProfileOrStatus) {
         const std::string path = dir.File(c.name);
         WriteAll(path, c.file);
         report::Clear();
-        const Loaded loaded = Load(path);
+        const auto loaded = Load(path);
         EXPECT_EQ(loaded.status, c.status);
         EXPECT_EQ(loaded.bytes, c.profile);
         // A RIFF read cut short goes through the error report as well.
@@ -163,7 +163,7 @@ TEST_F(HandmadeFiles, EveryTruncationEndsInAStatus) {
         SCOPED_TRACE(c.name);
         for (std::size_t n = 0; n < c.file.size(); n += 1 + n / 16) {
             WriteAll(path, Bytes(c.file.begin(), c.file.begin() + static_cast<std::ptrdiff_t>(n)));
-            const Loaded loaded = Load(path);
+            const auto loaded = Load(path);
             EXPECT_NE(std::find(std::begin(allowed), std::end(allowed), loaded.status), std::end(allowed))
                 << n << " bytes: " << loaded.status;
         }

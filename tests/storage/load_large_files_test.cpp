@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "handmade.h"
+#include "storage_support.h"
 
 namespace kt::test {
 namespace {
@@ -53,7 +53,7 @@ TEST(LargeFiles, OnlyHeadsAreRead) {
             const std::string path = dir.File(files[i].name);
             WriteSparse(path, files[i].head, end, files[i].tail);
             const int64_t before = BytesRead();
-            const Loaded loaded = Load(path);
+            const auto loaded = Load(path);
             read[bulk > (1 << 20)][i] = BytesRead() - before;
             EXPECT_EQ(loaded.status, STATUS_OK);
             EXPECT_EQ(loaded.bytes, profile);

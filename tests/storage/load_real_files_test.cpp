@@ -6,7 +6,7 @@
 #include <string>
 
 #include "storage/png_codec.h"
-#include "handmade.h"
+#include "storage_support.h"
 
 namespace kt::test {
 namespace {
@@ -70,7 +70,7 @@ TEST(RealFiles, LoadsWhatExiftoolReads) {
         ASSERT_EQ(std::system(("exiftool -b -icc_profile " + out + " > " + out + ".icc 2>/dev/null").c_str()), 0);
         const Bytes witness = ReadAll(out + ".icc");
         ASSERT_EQ(witness, ReadAll(*r.profile)) << "the tool did not embed the profile whole";
-        const Loaded loaded = Load(out);
+        const auto loaded = Load(out);
         EXPECT_EQ(loaded.status, STATUS_OK);
         EXPECT_TRUE(loaded.bytes == witness) << loaded.bytes.size() << " bytes loaded, " << witness.size() << " expected";
         EXPECT_EQ(Vx_HasICCProfile(Wide(out).c_str(), nullptr), 1);

@@ -6,9 +6,8 @@
 
 #include <string>
 
-#include "handmade.h"
+#include "storage_support.h"
 #include "platform/error_report.h"
-#include "save_support.h"
 #include "storage/png_codec.h"
 #include "support/alloc_failures.h"
 
@@ -90,7 +89,7 @@ TEST_F(LoadStatus, FilesLoadedAndSaved) {
         EXPECT_EQ(Vx_HasICCProfile(Wide(f.path).c_str(), nullptr), f.load == STATUS_OK ? 1 : 0);
         const std::string before = ReadFile(f.path);
         report::Clear();
-        EXPECT_EQ(savetest::Save(f.path, std::string(kProfile.begin(), kProfile.end())), f.save);
+        EXPECT_EQ(Save(f.path, std::string(kProfile.begin(), kProfile.end())), f.save);
         EXPECT_TRUE(f.save == STATUS_OK || ReadFile(f.path) == before);
         EXPECT_EQ(report::Last(), f.reports ? f.save : STATUS_OK);
     }

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "save_support.h"
+#include "storage_support.h"
 #include "support/alloc_failures.h"
 #include "support/file_faults.h"
 
-namespace kt::savetest {
+namespace kt::test {
 namespace {
 
 // The argument checks of Vx_SaveICCProfile, the earlier check winning where
@@ -81,4 +81,4 @@ TEST(SaveStatus, AnyFailureLeavesTheOriginal) {
 }
 
 }  // namespace
-}  // namespace kt::savetest
+}  // namespace kt::test

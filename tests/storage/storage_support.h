@@ -1,6 +1,6 @@
-// Helpers of the storage tests: files as byte vectors, the loader called
-// by UTF-8 path, and builders of small image files byte by byte for the
-// cases no tool writes.
+// Helpers of the storage tests: files as byte vectors, the loader and the
+// saver called by UTF-8 path, builders of small image files byte by byte for
+// the cases no tool writes, and the independent readers' view of a file.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,15 +26,15 @@ inline Bytes ReadAll(const std::string& path) {
 inline void WriteAll(const std::string& path, const Bytes& b) { WriteFile(path, std::string(b.begin(), b.end())); }
 inline Bytes Text(const std::string& s) { return Bytes(s.begin(), s.end()); }
 
-struct Loaded {
+struct LoadResult {
     KtStatus status;
     Bytes bytes;
 };
-inline Loaded Load(const std::string& path) {
+inline LoadResult Load(const std::string& path) {
     ICCProfileRecord record{};
     record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
     const KtStatus status = Vx_LoadICCProfile(Wide(path).c_str(), &record, nullptr);
-    Loaded out{status, {}};
+    LoadResult out{status, {}};
     if (record.profileData) out.bytes.assign(record.profileData, record.profileData + record.profileSize);
     Vx_FreeICCProfile(&record);
     return out;
@@ -55,12 +55,19 @@ inline Bytes Counting(std::size_t n, uint8_t seed) {
     for (std::size_t i = 0; i < n; ++i) b[i] = uint8_t(seed + i);
     return b;
 }
-// Bytes shaped like a profile: the first four hold the size.
-inline Bytes Profile(uint32_t n, uint8_t seed) {
-    Bytes b = Counting(n, seed);
-    Bytes size = Be32(n);
-    std::copy(size.begin(), size.end(), b.begin());
+// Distinct bytes shaped like a profile: the first four hold the size.
+inline Bytes Profile(uint32_t n, unsigned seed) {
+    Bytes b(n);
+    uint32_t x = seed * 2654435761u + 1;
+    for (std::size_t i = 0; i < n; ++i) {
+        x = x * 1664525u + 1013904223u;
+        b[i] = i < 4 ? uint8_t(n >> (24 - 8 * i)) : uint8_t(x >> 24);
+    }
     return b;
+}
+inline std::string Pattern(std::size_t n, unsigned seed = 1) {
+    const Bytes b = Profile(uint32_t(n), seed);
+    return std::string(b.begin(), b.end());
 }
 
 // JPEG: SOI, the segments, a scan, EOI.
@@ -126,5 +133,19 @@ inline Bytes Png(const Bytes& iccp) {
 inline Bytes Tiff(uint32_t count, const Bytes& valueField, const Bytes& tail = {}, uint32_t ifd = 8) {
     return Cat({Text("II"), Le16(42), Le32(ifd), Le16(1), Le16(34675), Le16(7), Le32(count), valueField, Le32(0), tail});
 }
+
+// A profile file of Debian's colour packages.
+std::string RealProfile(const char* name);
+
+// Runs a shell command and expects success.
+void Sh(const std::string& command);
+std::string ShOut(const std::string& command);
+
+KtStatus Save(const std::string& path, const std::string& profile, const Vx_SaveFileOptions* options = nullptr);
+// Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's.
+std::string Loaded(const std::string& path);
+std::string Exiftool(const std::string& path);
+// The pixels as the format's own library decodes them (PPM/PAM text).
+std::string Pixels(const std::string& path);
 
 }  // namespace kt::test
