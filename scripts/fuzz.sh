@@ -15,6 +15,7 @@ CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo 
 # shellcheck disable=SC2046
 cmake --build build-fuzz -j"${JOBS:-$(nproc)}" --target $(printf 'fuzz_%s ' $targets)
 mkdir -p build-fuzz/findings
+failed=""
 # The targets write each input to a scratch file: memory-backed when possible.
 scratch=$(mktemp -d "$( [ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp}")/ktclr-fuzz.XXXXXX")
 trap 'rm -rf "$scratch"' EXIT
@@ -30,5 +31,6 @@ for t in $targets; do
   echo "== $t: $seconds s"
   TMPDIR=$scratch UBSAN_OPTIONS=print_stacktrace=1 "build-fuzz/fuzz_$t" -max_total_time="$seconds" \
     -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 ${dict:+-dict=fuzz/dict/$dict.dict} \
-    -artifact_prefix="build-fuzz/findings/$t-" "build-fuzz/corpus/$t" "fuzz/corpus/$seeds"
+    -artifact_prefix="build-fuzz/findings/$t-" "build-fuzz/corpus/$t" "fuzz/corpus/$seeds" || failed="$failed $t"
 done
+[ -z "$failed" ] || { echo "fuzz findings in:$failed (build-fuzz/findings)"; exit 1; }
