@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::uint32_t how = in.Take(1), method = kMethods[(how >> 2) % std::size(kMethods)];
     const int width = int(in.Take(1)) - 2, height = int(in.Take(1) % 64) - 2;
     const int srcPad = std::int8_t(in.Take(1)), dstPad = std::int8_t(in.Take(1));
-    const std::uint32_t shortBy = in.Take(1) & 3;
+    const std::uint32_t shortBy = in.Take(1) & 3, options = in.Take(1), value = in.Take(2);
     Buffer src(Extent(kBits[s], width, height, srcPad, shortBy & 1));
     std::optional<Buffer> dst;
     std::uint8_t* out = src.at;
@@ -49,8 +49,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     params.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
     params.method = params.prepareMethods = method;
     params.emulationMethod = method == METHOD_BUILTIN_EMULATION ? method : 0;
+    CmykOptions cmyk{KTCLR_SIZEOF_CMYK_OPTIONS, value & 0xFF, 2};
+    LabOptions lab{KTCLR_SIZEOF_LAB_OPTIONS, 0x3F, {}};
+    for (int i = 0; i < 6; ++i) lab.ranges[i] = std::int32_t(value) - 32768 + i * std::int32_t(options);
+    IccOptions icc{{value, value >> 4, value >> 8, options, 0}};
+    if (options & 1) params.cmykOptions = &cmyk, params.labOptions = &lab, params.iccOptions = &icc;
     ClrHandle* handle = nullptr;
     if (Vx_ClrInit(&handle, kSpaces[s], kSpaces[d], &params) != STATUS_OK) return 0;
+    if (options & 2) {  // then changed: method, ICC options, CMYK, YUV (quirk: gated on cmykOptions), Lab
+        params.prepareMethods = (options >> 2) & 0x75;
+        params.method = kMethods[value % std::size(kMethods)];
+        Vx_ClrSetConversionParams(handle, &params);
+    }
     Vx_ClrConvert(handle, src.at, out, width, height, srcPad, dstPad);
     Vx_ClrFree(handle);
     return 0;
