@@ -1,6 +1,7 @@
 // Conversions with fuzzed spaces, methods, sizes and paddings, through
-// Vx_ClrConvertDirect or a handle, on buffers that end where an unmapped
-// page begins: touching a byte past the probed extent faults.
+// Vx_ClrConvertDirect or a handle, into a buffer or a bitmap, from buffers
+// that end where an unmapped page begins: touching a byte past the probed
+// extent faults.
 #include <iterator>
 #include <optional>
 
@@ -41,8 +42,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!(how & 2)) out = dst.emplace(Extent(kBits[d], width, height, dstPad, shortBy & 2)).at;
     for (std::uint8_t* p = src.at; p < src.pages.end(); ++p) *p = in.size ? in.data[(p - src.at) % in.size] : 0;
 
+    BitmapHandle bitmap{};
+    Vx_BmpInit(&bitmap, KTCLR_SIZEOF_BITMAP_HANDLE);
+    const bool toBitmap = options & 4;  // into a 24-bit bitmap instead of `out`
     if (how & 1) {
-        Vx_ClrConvertDirect(kSpaces[s], kSpaces[d], src.at, out, width, height, srcPad, dstPad);
+        if (toBitmap)
+            Vx_ClrConvertDirectToBitmap(kSpaces[s], kSpaces[d], src.at, &bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, width,
+                                        height, srcPad, dstPad);
+        else
+            Vx_ClrConvertDirect(kSpaces[s], kSpaces[d], src.at, out, width, height, srcPad, dstPad);
+        Vx_BmpFree(&bitmap);
         return 0;
     }
     ConversionParams params{};
@@ -61,7 +70,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         params.method = kMethods[value % std::size(kMethods)];
         Vx_ClrSetConversionParams(handle, &params);
     }
-    Vx_ClrConvert(handle, src.at, out, width, height, srcPad, dstPad);
+    if (toBitmap)
+        Vx_ClrConvertToBitmap(handle, src.at, &bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, width, height, srcPad, dstPad);
+    else
+        Vx_ClrConvert(handle, src.at, out, width, height, srcPad, dstPad);
+    Vx_BmpFree(&bitmap);
     Vx_ClrFree(handle);
     return 0;
 }
