@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "colormodels/builtin_data.h"
-#include "colormodels/emulation.h"
+#include "colormodels/emulation_lookup.h"
 #include "colormodels/kernels.h"
 #include "ktclr/convert.h"
 #include "ktclr/embedded.h"

@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "colormodels/emulation.h"
 #include "colormodels/lab_tables.h"
 #include "convert/icc_setup.h"
 #include "ktclr/convert.h"
