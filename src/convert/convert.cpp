@@ -23,7 +23,7 @@ struct Strides {
     std::int64_t dst;
 };
 
-std::int64_t RowBytes(int bits, int width) { return (static_cast<std::int64_t>(bits) * width + 7) / 8; }
+using color::rows::RowBytes;
 std::int64_t RoundUp(std::int64_t stride, int align) { return stride + (align - stride % align) % align; }
 
 // Rounded to the alignments only when both are given.

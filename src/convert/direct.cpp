@@ -15,8 +15,8 @@ namespace {
 constexpr auto kModule = mem::Module::ktclr;
 constexpr int kRgbBytes = 3;
 
-std::int64_t Pad(int pad) { return pad < 1 ? 0 : pad; }
-std::int64_t RowBytes(int bits, int width) { return (static_cast<std::int64_t>(bits) * width + 7) / 8; }
+using color::rows::Padding;
+using color::rows::RowBytes;
 
 KtStatus CheckLayout(int space, int width, int height, const void* buffer) {
     const color::SpaceInfo* info = color::FindSpace(space);
@@ -28,8 +28,7 @@ KtStatus CheckLayout(int space, int width, int height, const void* buffer) {
 }
 
 std::size_t Extent(int space, int width, int height, int pad) {
-    return static_cast<std::size_t>(RowBytes(color::BitsPerPixel(space), width) + Pad(pad)) *
-           static_cast<std::size_t>(height);
+    return color::rows::Extent(color::BitsPerPixel(space), width, height, pad);
 }
 
 // Equal spaces: one block when both paddings are below 2, else one row
@@ -40,7 +39,7 @@ void CopyRows(int space, const std::uint8_t* src, std::uint8_t* dst, int width, 
         std::memmove(dst, src, row * height);
         return;
     }
-    for (int y = 0; y < height; ++y, src += Pad(srcPad), dst += Pad(dstPad)) std::memmove(dst, src, row);
+    for (int y = 0; y < height; ++y, src += Padding(srcPad), dst += Padding(dstPad)) std::memmove(dst, src, row);
 }
 
 // Neither side is RGB: source to RGB into a packed temporary, then RGB to
