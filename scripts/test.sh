@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs what the tests need, then builds and runs the whole suite twice:
-# once plainly and once under AddressSanitizer and UndefinedBehaviorSanitizer.
+# once plainly and once under AddressSanitizer and UndefinedBehaviorSanitizer,
+# then runs every fuzz target briefly.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh --tests
@@ -12,3 +13,5 @@ cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKTCLR_SANITIZE=ON -
 cmake --build build-asan -j"$jobs"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build-asan -j"$jobs" --output-on-failure --no-tests=error
+# Every fuzz target for 20 seconds, built with clang in build-fuzz.
+scripts/fuzz.sh 20
