@@ -3,6 +3,7 @@
 // the same image goes through cv::cvtColor for the pairs it has, and the
 // ratios ours / OpenCV's are printed at the end.
 #include <benchmark/benchmark.h>
+#include <array>
 
 #include <cstdio>
 #include <cstring>
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "colormodels/space_table.h"
 #include "ktclr.h"
 
 #ifdef KTCLR_BENCH_OPENCV
@@ -29,15 +31,14 @@ struct Space {
     const char* name;
     int bits;
 };
-const Space kSpaces[] = {{CS_BGR, "BGR", 24},         {CS_YUV, "YUV", 24},
-                         {CS_CMYK, "CMYK", 32},       {CS_HSV, "HSV", 24},
-                         {CS_HLS, "HLS", 24},         {CS_YIQ, "YIQ", 24},
-                         {CS_CMY, "CMY", 24},         {CS_LAB, "Lab", 24},
-                         {CS_XYZ, "XYZ", 24},         {CS_YUV422_YUYV, "YUYV", 16},
-                         {CS_YUV410_PLANAR, "YUV410", 9}, {CS_YCCK, "YCCK", 32},
-                         {CS_YUV411_PACKED, "YUV411", 12}, {CS_YUV422_UYVY, "UYVY", 16},
-                         {CS_YCBCR, "YCbCr", 24},     {CS_HSI, "HSI", 24},
-                         {CS_RGB444, "RGB444", 16}};
+// Every space of the library's table but RGB itself, read at compile time.
+constexpr auto kSpaces = [] {
+    std::array<Space, std::size(kt::color::kSpaces) - 1> all{};
+    std::size_t n = 0;
+    for (const kt::color::SpaceInfo& s : kt::color::kSpaces)
+        if (s.id != CS_RGB) all[n++] = {s.id, s.name, s.bitsPerPixel};
+    return all;
+}();
 
 std::size_t Bytes(int bits) { return (static_cast<std::size_t>(bits) * kWidth + 7) / 8 * kHeight; }
 

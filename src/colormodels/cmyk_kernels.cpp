@@ -3,13 +3,14 @@
 #include <cmath>
 
 #include "colormodels/cmyk_rows.h"
+#include "colormodels/space_table.h"
 #include "colormodels/x86/rows.h"
 
 namespace kt::color {
 namespace {
 using namespace cmyk;
-constexpr rows::Shape kFromRgbShape{rows::kBits24, rows::kBits32};
-constexpr rows::Shape kToRgbShape{rows::kBits32, rows::kBits24};
+constexpr rows::Shape kFromRgbShape = FromRgbShape(CS_CMYK);
+constexpr rows::Shape kToRgbShape = ToRgbShape(CS_CMYK);
 BlackGeneration MakeBlackGeneration(int p) noexcept {
     BlackGeneration g{};
     g.f = p / kPerMille;

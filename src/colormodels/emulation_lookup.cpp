@@ -5,7 +5,7 @@
 #include <array>
 #include <cstddef>
 
-#include "colormodels/emulation.h"
+#include "colormodels/emulation_lookup.h"
 #include "platform/probe.h"
 
 namespace kt::color {

@@ -49,6 +49,11 @@ KT_KERNEL(HsiToRgb);
 KT_KERNEL(RgbToRgb444);
 KT_KERNEL(Rgb444ToRgb);
 
+// YCCK against RGB through the constant YCbCr tables (ycck_table.h); K is
+// dropped one way and written as 0 the other.
+KT_KERNEL(RgbToYcck);
+KT_KERNEL(YcckToRgb);
+
 // Lab and XYZ.
 KT_KERNEL(RgbToLab);
 KT_KERNEL(LabToRgb);

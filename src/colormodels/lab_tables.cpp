@@ -32,7 +32,6 @@ void SetRgbToLabTableHeader(RgbToLabTable* t, const double white[3], const std::
 void FillLabTable(LabTable* t, int gammaPercent) noexcept {
     const double exponent = 100.0 / gammaPercent;
     for (int i = 0; i < 255; ++i) t->gammaThresholds[i] = RoundFixed(std::pow((i + 0.5) / 255.0, exponent), kQ28);
-    for (int i = 0; i < 9; ++i) t->matrixFixed[i] = RoundFixed(t->matrix[i], kQ16);
     t->gammaPercent = gammaPercent;
     std::memset(t->reserved, 0, sizeof t->reserved);
 }

@@ -16,9 +16,8 @@ struct LabTable {
     // raised to 100 / gammaPercent, Q28, rounded half away from zero. A
     // linear value between entries i - 1 and i encodes as code value i.
     std::int32_t gammaThresholds[255];
-    std::int32_t matrixFixed[9];  // matrix in Q16, rounded half away from zero
     std::int32_t gammaPercent;
-    std::int32_t reserved[7];
+    std::int32_t reserved[16];
 };
 static_assert(sizeof(LabTable) == 1208, "LabTable keeps its 1208-byte size");
 
@@ -37,7 +36,6 @@ static_assert(sizeof(RgbToLabTable) == 17560, "RgbToLabTable keeps its 17560-byt
 namespace kt::color {
 
 constexpr int kQ28 = 28;
-constexpr int kQ16 = 16;
 
 // The white point and matrices Vx_ClrInit gives a handle's tables.
 inline constexpr double kInitWhitePoint[3] = {95.0166015625, 100.0, 108.76499938964844};

@@ -1,16 +1,18 @@
 // Packed YUV: 4:2:2 in two byte orders (two pixels share U and V) and 4:1:1
 // (four pixels share them, eight pixels in 12 bytes).
 #include "colormodels/packed_yuv_rows.h"
+#include "colormodels/space_table.h"
 #include "colormodels/x86/rows.h"
 
 namespace kt::color {
 namespace {
 using packed::kPairPixels;
 constexpr int kOctetPixels = 8;
-constexpr rows::Shape kRgbTo422{rows::kBits24, rows::kBits16, kPairPixels};
-constexpr rows::Shape k422ToRgb{rows::kBits16, rows::kBits24, kPairPixels};
-constexpr rows::Shape kRgbTo411{rows::kBits24, rows::kBits12, kOctetPixels};
-constexpr rows::Shape k411ToRgb{rows::kBits12, rows::kBits24, kOctetPixels};
+constexpr rows::Shape kRgbTo422 = FromRgbShape(CS_YUV422_YUYV);
+constexpr rows::Shape k422ToRgb = ToRgbShape(CS_YUV422_YUYV);
+constexpr rows::Shape kRgbTo411 = FromRgbShape(CS_YUV411_PACKED);
+constexpr rows::Shape k411ToRgb = ToRgbShape(CS_YUV411_PACKED);
+static_assert(kRgbTo422.group == kPairPixels && kRgbTo411.group == kOctetPixels);
 
 // 4:1:1 group: U(0-3), Y0, V(0-3), Y1, U(4-7), Y2, V(4-7), Y3, Y4..Y7.
 constexpr int kLuma411[kOctetPixels] = {1, 3, 5, 7, 8, 9, 10, 11};

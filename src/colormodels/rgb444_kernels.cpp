@@ -1,12 +1,13 @@
 // 4-bit RGB: two bytes per pixel, R in the low nibble of the first, G and B
 // in the high and low nibbles of the second.
 #include "colormodels/kernel_rows.h"
+#include "colormodels/space_table.h"
 #include "colormodels/x86/rows.h"
 
 namespace kt::color {
 namespace {
-constexpr rows::Shape kFromRgb{rows::kBits24, rows::kBits16};
-constexpr rows::Shape kToRgb{rows::kBits16, rows::kBits24};
+constexpr rows::Shape kFromRgb = FromRgbShape(CS_RGB444);
+constexpr rows::Shape kToRgb = ToRgbShape(CS_RGB444);
 constexpr unsigned kHighNibble = 0xF0;
 constexpr int kNibbleShift = 4;
 

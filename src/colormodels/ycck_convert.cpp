@@ -1,15 +1,11 @@
 #include "colormodels/ycck_convert.h"
 
-#include "colormodels/kernel_rows.h"
+#include "colormodels/space_table.h"
 
 namespace kt::color {
 namespace {
 
-constexpr rows::Shape kYcckToRgb{rows::kBits32, rows::kBits24};
-constexpr rows::Shape kRgbToYcck{rows::kBits24, rows::kBits32};
 constexpr int kMax = 255;
-
-const YcckTable& Pick(const YcckTable* t) noexcept { return t ? *t : GlobalYcbcrTables(); }
 
 struct Rgb {
     int r, g, b;
@@ -34,10 +30,10 @@ inline void Encode(const YcckTable& t, int r, int g, int b, std::uint8_t* out) n
 
 }  // namespace
 
-KtStatus YcckToRgb(const YcckTable* table, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
-                   int srcPad, int dstPad, int rgbOrder) noexcept {
-    const YcckTable& t = Pick(table);
-    return rows::Walk(kYcckToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
+KT_KERNEL(YcckToRgb) {
+    (void)black;
+    const YcckTable& t = GlobalYcbcrTables();
+    return rows::Walk(ToRgbShape(CS_YCCK), src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [&t](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
                           using O = decltype(o);
                           for (int x = 0; x < w; ++x, s += 4, d += 3) {
@@ -49,10 +45,10 @@ KtStatus YcckToRgb(const YcckTable* table, const std::uint8_t* src, std::uint8_t
                       });
 }
 
-KtStatus RgbToYcck(const YcckTable* table, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
-                   int srcPad, int dstPad, int rgbOrder) noexcept {
-    const YcckTable& t = Pick(table);
-    return rows::Walk(kRgbToYcck, src, dst, width, height, srcPad, dstPad, rgbOrder,
+KT_KERNEL(RgbToYcck) {
+    (void)black;
+    const YcckTable& t = GlobalYcbcrTables();
+    return rows::Walk(FromRgbShape(CS_YCCK), src, dst, width, height, srcPad, dstPad, rgbOrder,
                       [&t](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
                           using O = decltype(o);
                           for (int x = 0; x < w; ++x, s += 3, d += 4) {

@@ -1,5 +1,6 @@
-// The YCCK conversions, reading a YcckTable: a handle's own, or the global
-// YCbCr tables when there is no handle (a null table selects them).
+// The YCCK conversions, reading a YcckTable. The kernels against RGB
+// (kernels.h) read the constant one; the pixel conversions around a Little
+// CMS transform read the handle's copy.
 //
 // YCCK <-> CMYK is the usual Adobe transform: C, M, Y are the complements of
 // the R, G, B that Y, Cb, Cr encode, and K passes through. Against RGB the
@@ -14,12 +15,6 @@
 #include "colormodels/ycck_table.h"
 
 namespace kt::color {
-
-// Kernel contract: probes (ERR_INVALID_PARAMETER), paddings, RGB-order flag.
-KtStatus YcckToRgb(const YcckTable* t, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
-                   int srcPad, int dstPad, int rgbOrder) noexcept;
-KtStatus RgbToYcck(const YcckTable* t, const std::uint8_t* src, std::uint8_t* dst, int width, int height,
-                   int srcPad, int dstPad, int rgbOrder) noexcept;
 
 // n pixels of 4 bytes; src may equal dst.
 void YcckToCmykPixels(const YcckTable& t, const std::uint8_t* src, std::uint8_t* dst, std::size_t n) noexcept;

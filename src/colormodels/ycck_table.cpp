@@ -1,6 +1,5 @@
 #include "colormodels/ycck_table.h"
 
-#include <cstring>
 
 namespace kt::color {
 namespace {
@@ -14,16 +13,12 @@ constexpr std::int32_t kRCb = 11059, kGCb = 21709, kBCb = 32768;
 constexpr std::int32_t kGCr = 27439, kBCr = 5329;
 constexpr std::int32_t kCentre = 128 << kYccScaleBits;
 
-YcckTable g_global;
-
-}  // namespace
-
-void FillYcckTable(YcckTable* t) noexcept {
+constexpr YcckTable Make() {
+    YcckTable table{};
+    YcckTable* t = &table;
     std::uint8_t* r = t->rangeLimit;
-    std::memset(r, 0, 256);
     for (int i = 0; i < 256; ++i) r[256 + i] = static_cast<std::uint8_t>(i);
-    std::memset(r + 512, 255, 384);
-    std::memset(r + 896, 0, 384);
+    for (int i = 512; i < 896; ++i) r[i] = 255;
     for (int i = 0; i < 128; ++i) r[1280 + i] = static_cast<std::uint8_t>(i);
 
     for (int i = 0; i < 256; ++i) {
@@ -47,9 +42,14 @@ void FillYcckTable(YcckTable* t) noexcept {
         y[YccOffset(YccTab::bCr) + i] = -kBCr * i;
     }
     t->rangeLimitBase = kRangeLimitBase;
+    return table;
 }
 
-void FillGlobalYcbcrTables() noexcept { FillYcckTable(&g_global); }
-const YcckTable& GlobalYcbcrTables() noexcept { return g_global; }
+constexpr YcckTable kGlobal = Make();
+
+}  // namespace
+
+void FillYcckTable(YcckTable* t) noexcept { *t = kGlobal; }
+const YcckTable& GlobalYcbcrTables() noexcept { return kGlobal; }
 
 }  // namespace kt::color

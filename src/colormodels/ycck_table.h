@@ -1,6 +1,6 @@
 // The YCbCr/RGB tables of the YCCK conversions: a sample range-limit table
 // and fixed-point coefficient tables with 16 fractional bits. A handle that
-// involves YCCK owns one; a global copy is filled once at load.
+// involves YCCK owns a copy of the constant one built at compile time.
 #pragma once
 
 #include <cstdint>
@@ -36,7 +36,6 @@ static_assert(sizeof(YcckTable) == 13700, "YcckTable keeps its 13700-byte size")
 
 namespace kt::color {
 void FillYcckTable(YcckTable* table) noexcept;
-// The process-wide copy filled on first attach.
-void FillGlobalYcbcrTables() noexcept;
+// The constant table every handle's copy starts from.
 const YcckTable& GlobalYcbcrTables() noexcept;
 }  // namespace kt::color

@@ -3,19 +3,14 @@
 #include "colormodels/kernels.h"
 #include "colormodels/lab_tables.h"
 #include "colormodels/space_table.h"
-#include "colormodels/ycck_convert.h"
 
 namespace kt::convert {
 namespace {
 
-constexpr int kLastSpace = CS_RGB444;
-
 KtStatus FromRgb(int dstSpace, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
                  int dstPad, int order, const BuiltinExtras& x) noexcept {
-    if (dstSpace > kLastSpace) return STATUS_OK;
     const color::SpaceInfo* info = color::FindSpace(dstSpace);
     if (!info) return STATUS_OK;
-    if (dstSpace == CS_YCCK) return color::RgbToYcck(x.ycck, src, dst, width, height, srcPad, dstPad, order);
     if (dstSpace == CS_LAB && x.rgbToLab)
         return color::RgbToLabThroughTable(x.rgbToLab, src, dst, width, height, srcPad, dstPad, order);
     const color::Kernel kernel = IsHub(dstSpace) ? color::RgbToRgbCopy : info->fromRgb;
@@ -25,10 +20,8 @@ KtStatus FromRgb(int dstSpace, const std::uint8_t* src, std::uint8_t* dst, int w
 
 KtStatus ToRgb(int srcSpace, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
                int dstPad, int order, const BuiltinExtras& x) noexcept {
-    if (srcSpace < 1 || srcSpace > kLastSpace) return STATUS_OK;
     const color::SpaceInfo* info = color::FindSpace(srcSpace);
     if (!info) return STATUS_OK;
-    if (srcSpace == CS_YCCK) return color::YcckToRgb(x.ycck, src, dst, width, height, srcPad, dstPad, order);
     if (srcSpace == CS_LAB && x.labTable)
         return color::LabToRgbThroughTable(x.labTable, src, dst, width, height, srcPad, dstPad, order);
     const color::Kernel kernel = info->toRgb;

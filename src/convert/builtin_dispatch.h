@@ -13,7 +13,6 @@ struct BuiltinExtras {
     int black = KTCLR_DEFAULT_CMYK_BLACK;     // the CMYK kernels' black value
     const LabTable* labTable = nullptr;       // Lab to RGB through the table
     const RgbToLabTable* rgbToLab = nullptr;  // RGB to Lab through the table
-    const YcckTable* ycck = nullptr;          // null: the global YCbCr tables
 };
 
 // One side must be CS_RGB or CS_BGR; otherwise, and for identifiers without

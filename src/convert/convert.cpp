@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "colormodels/emulation.h"
+#include "colormodels/emulation_lookup.h"
 #include "colormodels/kernels.h"
 #include "colormodels/space_table.h"
 #include "colormodels/ycck_convert.h"
@@ -23,7 +23,7 @@ struct Strides {
     std::int64_t dst;
 };
 
-std::int64_t RowBytes(int bits, int width) { return (static_cast<std::int64_t>(bits) * width + 7) / 8; }
+using color::rows::RowBytes;
 std::int64_t RoundUp(std::int64_t stride, int align) { return stride + (align - stride % align) % align; }
 
 // Rounded to the alignments only when both are given.
@@ -57,11 +57,10 @@ KtStatus Builtin(const ClrHandle* h, const std::uint8_t* src, std::uint8_t* dst,
     extras.black = BlackOf(h);
     extras.labTable = h->labTable;
     extras.rgbToLab = h->rgbToLabTable;
-    extras.ycck = h->ycckTable;
     return ConvertOneStep(h->srcSpace, h->dstSpace, src, dst, width, height, srcAlign, dstAlign, extras);
 }
 
-int IccPixelBytes(int space) { return (space == CS_CMYK || space == CS_YCCK) ? 4 : 3; }
+int IccPixelBytes(int space) { return color::FindSpace(space)->iccPixelBytes; }
 
 // One row through the transform, with the YCCK and Lab adjustments around it.
 KtStatus IccRow(const ClrHandle* h, cmsHTRANSFORM transform, std::uint8_t* in, std::uint8_t* out, std::size_t n,

@@ -5,7 +5,6 @@
 
 #include "colormodels/kernels.h"
 #include "colormodels/space_table.h"
-#include "colormodels/ycck_convert.h"
 #include "convert/builtin_dispatch.h"
 #include "platform/alloc.h"
 #include "platform/probe.h"
@@ -15,26 +14,21 @@ namespace {
 
 constexpr auto kModule = mem::Module::ktclr;
 constexpr int kRgbBytes = 3;
-constexpr int kPackedGroup411 = 8;
-constexpr int kPackedGroup422 = 2;
-constexpr int kPlanarBlock = 4;
 
-std::int64_t Pad(int pad) { return pad < 1 ? 0 : pad; }
-std::int64_t RowBytes(int bits, int width) { return (static_cast<std::int64_t>(bits) * width + 7) / 8; }
+using color::rows::Padding;
+using color::rows::RowBytes;
 
 KtStatus CheckLayout(int space, int width, int height, const void* buffer) {
-    if (!color::FindSpace(space)) return ERR_BAD_COLOR_SPACE;
+    const color::SpaceInfo* info = color::FindSpace(space);
+    if (!info) return ERR_BAD_COLOR_SPACE;
     if (!buffer || width < 1 || height < 1) return ERR_INVALID_PARAMETER;
-    if (space == CS_YUV411_PACKED && width % kPackedGroup411 != 0) return ERR_ODD_WIDTH;
-    if ((space == CS_YUV422_YUYV || space == CS_YUV422_UYVY) && width % kPackedGroup422 != 0) return ERR_ODD_WIDTH;
-    if (space == CS_YUV410_PLANAR && (width % kPlanarBlock != 0 || height % kPlanarBlock != 0))
-        return ERR_BAD_PLANAR_SIZE;
+    if (width % info->group != 0) return ERR_ODD_WIDTH;
+    if (width % info->block != 0 || height % info->block != 0) return ERR_BAD_PLANAR_SIZE;
     return STATUS_OK;
 }
 
 std::size_t Extent(int space, int width, int height, int pad) {
-    return static_cast<std::size_t>(RowBytes(color::BitsPerPixel(space), width) + Pad(pad)) *
-           static_cast<std::size_t>(height);
+    return color::rows::Extent(color::BitsPerPixel(space), width, height, pad);
 }
 
 // Equal spaces: one block when both paddings are below 2, else one row
@@ -45,7 +39,7 @@ void CopyRows(int space, const std::uint8_t* src, std::uint8_t* dst, int width, 
         std::memmove(dst, src, row * height);
         return;
     }
-    for (int y = 0; y < height; ++y, src += Pad(srcPad), dst += Pad(dstPad)) std::memmove(dst, src, row);
+    for (int y = 0; y < height; ++y, src += Padding(srcPad), dst += Padding(dstPad)) std::memmove(dst, src, row);
 }
 
 // Neither side is RGB: source to RGB into a packed temporary, then RGB to
@@ -64,8 +58,6 @@ KtStatus TwoSteps(int srcSpace, int dstSpace, const std::uint8_t* src, std::uint
             // the source rows hold a whole RGB row, so it never reads past them.
             if (RowBytes(color::BitsPerPixel(srcSpace), width) >= static_cast<std::int64_t>(width) * kRgbBytes)
                 status = color::RgbToRgb444(src, rgb, width, height, srcPad, 0, KTCLR_DEFAULT_CMYK_BLACK, 1);
-        } else if (dstSpace == CS_YCCK) {
-            status = color::RgbToYcck(nullptr, rgb, dst, width, height, 0, dstPad, 1);
         } else {
             status = ConvertOneStep(CS_RGB, dstSpace, rgb, dst, width, height, 0, dstPad, plain);
         }

@@ -1,7 +1,7 @@
 // Conversion handles: creation, validation and destruction.
 #include <cstring>
 
-#include "colormodels/emulation.h"
+#include "convert/emulation_setup.h"
 #include "colormodels/lab_tables.h"
 #include "colormodels/ycck_table.h"
 #include "convert/handle_internal.h"
@@ -46,7 +46,7 @@ void CleanUp(ClrHandle* h) {
     FreeProfileMemory(h->srcProfileMemory);
     FreeProfileMemory(h->dstProfileMemory);
     FreeField(h->iccOptions);
-    color::FreeCustomEmulationTable(h);
+    FreeCustomEmulationTable(h);
     FreeField(h->ycckTable);
     KT_FREE(h);
     registry::Remove(h);
@@ -223,11 +223,11 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
         h->PathKind = KTCLR_PATH_ONE_STEP;
     }
     if (prepare & METHOD_BUILTIN_EMULATION) {
-        status = color::SelectEmulationTable(h, src, dst, p, false);
+        status = SelectEmulationTable(h, src, dst, p, false);
         if (status != STATUS_OK) return CleanUp(h), status;
     }
     if (prepare & METHOD_CUSTOM_EMULATION) {
-        status = color::SelectEmulationTable(h, src, dst, p, true);
+        status = SelectEmulationTable(h, src, dst, p, true);
         if (status > STATUS_OK) status = ERR_FILE_READ;
         if (status != STATUS_OK) return CleanUp(h), status;
     }
@@ -277,7 +277,7 @@ void DestroyHandle(ClrHandle* h) noexcept {
     if ((h->preparedMethods & METHOD_ICC) && h->iccTransform) DeleteIccTransform(h->iccTransform);
     if ((h->preparedMethods & METHOD_CUSTOM_ICC) && h->customIccTransform)
         DeleteIccTransform(h->customIccTransform);
-    color::FreeCustomEmulationTable(h);
+    FreeCustomEmulationTable(h);
     FreeProfileMemory(h->srcProfileMemory);
     FreeProfileMemory(h->dstProfileMemory);
     KT_FREE(h);

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "colormodels/space_table.h"
 #include "ktclr/convert.h"
 
 namespace kt::convert {
@@ -14,8 +15,8 @@ inline constexpr std::size_t kParamsLongBytes = sizeof(ConversionParams);
 inline bool IsRgbSide(int space) { return space == CS_RGB || space == CS_BGR; }
 inline bool Either(int src, int dst, int space) { return src == space || dst == space; }
 
-// Every CS_ identifier; the gaps are invalid.
-inline bool IsKnownSpace(int space) { return (space >= 0 && space <= 15) || space == CS_HSI || space == CS_RGB444; }
+// Every identifier of the space table; the gaps are invalid.
+inline bool IsKnownSpace(int space) { return color::FindSpace(space) != nullptr; }
 
 // Copies a caller path (264 units) into a handle field (260 units): at most
 // 259 characters and a terminator.

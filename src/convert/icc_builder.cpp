@@ -6,7 +6,8 @@
 #include <lcms2.h>
 
 #include "colormodels/builtin_profiles.h"
-#include "colormodels/caller_path.h"
+#include "convert/caller_path.h"
+#include "colormodels/space_table.h"
 #include "convert/icc_format.h"
 #include "convert/icc_setup.h"
 #include "platform/probe.h"
@@ -19,22 +20,13 @@ constexpr auto kModule = mem::Module::ktclr;
 constexpr std::uint32_t kFlagNoWhiteFix = 1;
 constexpr int kMaxProfiles = 255;
 
-// The built-in profile for a format. The Lab profile serves only the
-// built-in method; a caller's missing Lab side has no fallback.
-struct FormatProfile {
-    std::uint32_t format;
-    std::int32_t selector;
-    bool fallback;
-};
-constexpr FormatProfile kFormatProfiles[] = {
-    {kTypeRgb8, color::kProfileRgbDisplay, true}, {kTypeBgr8, color::kProfileRgbDisplay, true},
-    {kTypeCmyk8, color::kProfileCmykPress, true}, {kTypeCmy8, color::kProfileCmy, true},
-    {kTypeLab8, color::kProfileLab, false},
-};
-
+// The built-in profile for a format, from the space table. The Lab profile
+// serves only the built-in method; a caller's missing Lab side has no
+// fallback.
 const color::data::Blob* BuiltinFor(std::uint32_t format, bool asFallback) {
-    for (const FormatProfile& f : kFormatProfiles)
-        if (f.format == format && (f.fallback || !asFallback)) return color::BuiltinProfile(f.selector);
+    for (const color::SpaceInfo& s : color::kSpaces)
+        if (s.iccFormat == format && s.profile != 0 && (s.profileFallback || !asFallback))
+            return color::BuiltinProfile(s.profile);
     return nullptr;
 }
 
@@ -64,10 +56,10 @@ KtStatus OpenCallerProfile(const IccProfileSource& s, cmsHPROFILE* out) {
         return *out ? STATUS_OK : ERR_PROFILE_OPEN;
     }
     std::size_t length = 0;
-    const color::PathState state = color::LookUpPath(s.path, color::kCallerPathUnits, &length);
+    const PathState state = LookUpPath(s.path, kCallerPathUnits, &length);
     if (length == 0) return STATUS_OK;  // no profile for this side
-    if (state == color::PathState::noMemory) return ERR_ALLOC;
-    if (state == color::PathState::missing) return ERR_FILE_NOT_FOUND;
+    if (state == PathState::noMemory) return ERR_ALLOC;
+    if (state == PathState::missing) return ERR_FILE_NOT_FOUND;
     text::Utf8 name;
     if (!name.Assign(s.path, length, kModule)) return ERR_ALLOC;
     *out = cmsOpenProfileFromFile(name.c_str(), "r");

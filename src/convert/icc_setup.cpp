@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-#include "colormodels/caller_path.h"
+#include "convert/caller_path.h"
 #include "convert/handle_internal.h"
 #include "convert/icc_builder.h"
 #include "convert/icc_format.h"
@@ -42,12 +42,12 @@ KtStatus TakeSide(const ProfileMemory* memory, const KtChar16* path, ProfileMemo
                   KtChar16* keptPath) {
     if (memory) return CopyProfileMemory(memory, keptMemory);
     std::size_t length = 0;
-    switch (color::LookUpPath(path, color::kCallerPathUnits, &length)) {
-        case color::PathState::missing: return STATUS_OK;
-        case color::PathState::noMemory: return ERR_ALLOC;
-        case color::PathState::exists: break;
+    switch (LookUpPath(path, kCallerPathUnits, &length)) {
+        case PathState::missing: return STATUS_OK;
+        case PathState::noMemory: return ERR_ALLOC;
+        case PathState::exists: break;
     }
-    if (length > color::kMaxPathChars) return ERR_FILE_NOT_FOUND;
+    if (length > kMaxPathChars) return ERR_FILE_NOT_FOUND;
     CopyPath(keptPath, path);
     return STATUS_OK;
 }
@@ -63,8 +63,6 @@ IccProfileSource Kept(const ProfileMemory* memory, const KtChar16* path) {
 }
 
 }  // namespace
-
-bool IccAvailable() noexcept { return true; }
 
 KtStatus BuildBuiltinIccTransform(ClrHandle* h, std::uint32_t iccFlags) noexcept {
     KtStatus status = STATUS_OK;

@@ -2,8 +2,6 @@
 
 #include <mutex>
 
-#include "colormodels/squared_ramp.h"
-#include "colormodels/ycck_table.h"
 #include "convert/registry.h"
 #include "ktclr/convert.h"
 #include "platform/lock.h"
@@ -14,11 +12,8 @@ int g_attachCount = 0;  // guarded by the library lock
 }
 
 void LibraryAttach() noexcept {
-    {
-        std::lock_guard<std::mutex> guard(platform::LibraryLock());
-        if (++g_attachCount == 1) color::FillGlobalYcbcrTables();
-    }
-    color::FillSquaredRamp();
+    std::lock_guard<std::mutex> guard(platform::LibraryLock());
+    ++g_attachCount;
 }
 
 void LibraryDetach() noexcept {

@@ -1,7 +1,7 @@
 // Changing a live handle: Vx_ClrSetConversionParams.
 #include <cstring>
 
-#include "colormodels/emulation.h"
+#include "convert/emulation_setup.h"
 #include "colormodels/lab_tables.h"
 #include "convert/handle_internal.h"
 #include "convert/icc_setup.h"
@@ -155,13 +155,12 @@ KtStatus ChangeCustomProfiles(ClrHandle* h, const ConversionParams* p, std::uint
 }
 
 KtStatus ChangeCustomEmulation(ClrHandle* h, const ConversionParams* p) {
-    if (!color::EmulationAvailable()) return ERR_BAD_METHOD;
     CopyPath(h->emulationTablePath, p->emulationTablePath);
-    color::FreeCustomEmulationTable(h);
+    FreeCustomEmulationTable(h);
     const int src = h->srcSpace, dst = h->dstSpace;
     // Only these two pairs reload; the loader's status is not reported.
     if ((src == CS_CMYK && IsRgbSide(dst)) || (src == CS_RGB && dst == CS_LAB))
-        color::SelectEmulationTable(h, src, dst, p, true);
+        SelectEmulationTable(h, src, dst, p, true);
     return STATUS_OK;
 }
 

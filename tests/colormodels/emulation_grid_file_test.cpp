@@ -9,7 +9,8 @@
 #include <cstring>
 
 #include "colormodels/builtin_data.h"
-#include "colormodels/emulation.h"
+#include "colormodels/emulation_lookup.h"
+#include "convert/emulation_setup.h"
 #include "colormodels/emulation_grid_file.h"
 #include "colormodels/emulation_tiff.h"
 #include "convert/icc_test_support.h"
@@ -228,7 +229,7 @@ TEST_F(CustomGrid, BuiltinSelectionByPair) {
         EXPECT_EQ(h.h->builtinEmulationTable, c.grid) << c.src << " " << c.dst;
         EXPECT_EQ(h.h->customEmulationTable, nullptr);
     }
-    EXPECT_EQ(color::SelectEmulationTable(nullptr, CS_CMYK, CS_RGB, nullptr, false), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(convert::SelectEmulationTable(nullptr, CS_CMYK, CS_RGB, nullptr, false), ERR_INVALID_PARAMETER);
 }
 
 TEST_F(CustomGrid, SetParamsReloadsForTwoPairsOnly) {
@@ -293,7 +294,7 @@ TEST_F(CustomGrid, AllocationFailuresLeakNothing) {
     // loaded so the counts compare.
     Handle h;
     ASSERT_EQ(Vx_ClrInit(&h.h, CS_RGB, CS_LAB, &p), STATUS_OK);
-    color::FreeCustomEmulationTable(h.h);
+    convert::FreeCustomEmulationTable(h.h);
     ConversionParams change = Params(0, KTCLR_CHANGE_CUSTOM_EMULATION);
     SetPath(change.emulationTablePath, dir.path() + "/t.tif");
     bool loaded = false;
@@ -301,7 +302,7 @@ TEST_F(CustomGrid, AllocationFailuresLeakNothing) {
         [&] {
             const int status = Vx_ClrSetConversionParams(h.h, &change);
             loaded = h.h->customEmulationTable != nullptr;
-            color::FreeCustomEmulationTable(h.h);
+            convert::FreeCustomEmulationTable(h.h);
             return status;
         },
         [&](int n, int s) {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "colormodels/builtin_data.h"
-#include "colormodels/emulation.h"
+#include "colormodels/emulation_lookup.h"
 #include "colormodels/kernels.h"
 #include "ktclr/convert.h"
 #include "ktclr/embedded.h"
@@ -110,45 +110,37 @@ TEST(EmulationLookup, SignedMeansTruncateTowardZero) {
     EXPECT_EQ(static_cast<std::int8_t>(out[2]), 0);
 }
 
-TEST(EmulationLookup, RgbToLabEveryTriple) {
+// Every byte triple through both 33-node lookups, in both orders, against
+// the literal rules.
+TEST(EmulationLookup, EveryTriple) {
+    using Lookup = KtStatus (*)(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, int, int, int, int, int) noexcept;
+    using Ref = void (*)(const Bytes&, int, int, int, std::uint8_t*);
+    const Ref labToRgb = [](const Bytes& g, int l, int a, int b, std::uint8_t* out) {
+        RefLabToRgb(g, l, static_cast<std::int8_t>(a), static_cast<std::int8_t>(b), out);
+    };
+    const struct {
+        Lookup lookup;
+        Ref ref;
+        bool rgbIn;  // the RGB side is the input
+    } cases[] = {{EmulateRgbToLab, RefRgbToLab, true}, {EmulateLabToRgb, labToRgb, false}};
     const Bytes g = RandomGrid(kGrid33, 99);
-    Bytes row(256 * 3), out(256 * 3), bgr(256 * 3), outBgr(256 * 3), want(256 * 3);
-    for (int r = 0; r < 256; ++r)
-        for (int gr = 0; gr < 256; ++gr) {
-            for (int b = 0; b < 256; ++b) {
-                row[b * 3] = static_cast<std::uint8_t>(r), row[b * 3 + 1] = static_cast<std::uint8_t>(gr);
-                row[b * 3 + 2] = static_cast<std::uint8_t>(b);
-                bgr[b * 3] = static_cast<std::uint8_t>(b), bgr[b * 3 + 1] = static_cast<std::uint8_t>(gr);
-                bgr[b * 3 + 2] = static_cast<std::uint8_t>(r);
+    Bytes row(256 * 3), swapped(256 * 3), out(256 * 3), outSwapped(256 * 3), want(256 * 3), wantSwapped(256 * 3);
+    for (const auto& c : cases)
+        for (int p = 0; p < 256; ++p)
+            for (int q = 0; q < 256; ++q) {
+                for (int b = 0; b < 256; ++b) {
+                    const std::uint8_t px[3] = {std::uint8_t(p), std::uint8_t(q), std::uint8_t(b)};
+                    for (int k = 0; k < 3; ++k) row[b * 3 + k] = px[k], swapped[b * 3 + k] = px[2 - k];
+                    c.ref(g, p, q, b, &want[b * 3]);
+                    for (int k = 0; k < 3; ++k) wantSwapped[b * 3 + k] = c.rgbIn ? want[b * 3 + k] : want[b * 3 + 2 - k];
+                }
+                ASSERT_EQ(c.lookup(g.data(), row.data(), out.data(), 256, 1, 0, 0, 1), STATUS_OK);
+                ASSERT_EQ(c.lookup(g.data(), c.rgbIn ? swapped.data() : row.data(), outSwapped.data(), 256, 1, 0, 0, 0),
+                          STATUS_OK);
+                ASSERT_EQ(out, want) << p << " " << q;
+                ASSERT_EQ(outSwapped, wantSwapped) << p << " " << q;
             }
-            ASSERT_EQ(EmulateRgbToLab(g.data(), row.data(), out.data(), 256, 1, 0, 0, 1), STATUS_OK);
-            ASSERT_EQ(EmulateRgbToLab(g.data(), bgr.data(), outBgr.data(), 256, 1, 0, 0, 0), STATUS_OK);
-            for (int b = 0; b < 256; ++b) RefRgbToLab(g, r, gr, b, &want[b * 3]);
-            ASSERT_EQ(out, want) << r << " " << gr;
-            ASSERT_EQ(out, outBgr);
-        }
-}
-
-TEST(EmulationLookup, LabToRgbEveryTriple) {
-    const Bytes g = RandomGrid(kGrid33, 5);
-    Bytes row(256 * 3), out(256 * 3), outBgr(256 * 3), want(256 * 3), wantBgr(256 * 3);
-    for (int L = 0; L < 256; ++L)
-        for (int a = 0; a < 256; ++a) {
-            for (int b = 0; b < 256; ++b) {
-                row[b * 3] = static_cast<std::uint8_t>(L), row[b * 3 + 1] = static_cast<std::uint8_t>(a);
-                row[b * 3 + 2] = static_cast<std::uint8_t>(b);
-            }
-            ASSERT_EQ(EmulateLabToRgb(g.data(), row.data(), out.data(), 256, 1, 0, 0, 1), STATUS_OK);
-            ASSERT_EQ(EmulateLabToRgb(g.data(), row.data(), outBgr.data(), 256, 1, 0, 0, 0), STATUS_OK);
-            for (int b = 0; b < 256; ++b) {
-                RefLabToRgb(g, L, static_cast<std::int8_t>(a), static_cast<std::int8_t>(b), &want[b * 3]);
-                wantBgr[b * 3] = want[b * 3 + 2], wantBgr[b * 3 + 1] = want[b * 3 + 1];
-                wantBgr[b * 3 + 2] = want[b * 3];
-            }
-            ASSERT_EQ(out, want) << L << " " << a;
-            ASSERT_EQ(outBgr, wantBgr);
-        }
-    // a = b = 0 is the middle node; 255 is the last node, taken whole.
+    // Lab: a = b = 0 is the middle node; 255 is the last node, taken whole.
     std::uint8_t px[3] = {255, 0, 0}, rgb[3];
     ASSERT_EQ(EmulateLabToRgb(g.data(), px, rgb, 1, 1, 0, 0, 1), STATUS_OK);
     EXPECT_EQ(0, std::memcmp(rgb, &g[At33(32, 16, 16)], 3));

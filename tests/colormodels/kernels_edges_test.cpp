@@ -11,7 +11,6 @@
 
 #include "colormodels/kernel_cases.h"
 #include "colormodels/lab_engine.h"
-#include "colormodels/squared_ramp.h"
 #include "support/mapped_memory.h"
 
 namespace kt {
@@ -236,11 +235,6 @@ TEST_P(Edges, CmykEveryBlackValue) {
             EXPECT_TRUE(got4 == want4) << "rgb->cmyk p " << p << " order " << order;
             EXPECT_TRUE(got3 == want3) << "cmyk->rgb p " << p << " order " << order;
         }
-}
-
-TEST(KernelPixels, SquaredRampIsTheFormula) {
-    for (int i = 0; i < 256; ++i) EXPECT_EQ(color::SquaredRamp()[i], ref::RampEntry(i)) << i;
-    EXPECT_EQ(color::SquaredRamp()[255], 256);
 }
 
 // Pixels worth remembering.

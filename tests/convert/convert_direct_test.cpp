@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "colormodels/kernels.h"
-#include "colormodels/ycck_convert.h"
 #include "ktclr/convert.h"
 #include "support/alloc_failures.h"
 #include "support/mapped_memory.h"
@@ -108,7 +107,7 @@ TEST(ConvertDirect, TwoStepsThroughRgb) {
 
     // A YCCK destination: the YCCK routine with the global tables.
     Bytes ycck(4 * kWidth * kHeight);
-    ASSERT_EQ(color::RgbToYcck(nullptr, rgb.data(), want.data(), kWidth, kHeight, 0, 0, 1), STATUS_OK);
+    ASSERT_EQ(color::RgbToYcck(rgb.data(), want.data(), kWidth, kHeight, 0, 0, 0, 1), STATUS_OK);
     ASSERT_EQ(Vx_ClrConvertDirect(CS_HSV, CS_YCCK, const_cast<std::uint8_t*>(hsv.data()), ycck.data(), kWidth,
                                   kHeight, 0, 0),
               STATUS_OK);

@@ -344,7 +344,7 @@ TEST(IccMethod, RebuildAndFailures) {
     Handle ycck;
     p = Params(METHOD_ICC);
     ASSERT_EQ(Vx_ClrInit(&ycck.h, CS_YCCK, CS_RGB, &p), STATUS_OK);
-    EXPECT_EQ(ycck.h->srcFormat, convert::kTypeCmyk8);
+    EXPECT_EQ(ycck.h->srcFormat, TYPE_CMYK_8);
     EXPECT_NE(ycck.h->iccTransform, nullptr);
 }
 

@@ -68,7 +68,7 @@ TEST_F(CustomIcc, ProfilesFromFilesAndMemory) {
     ASSERT_EQ(Vx_ClrInit(&byFile.h, CS_CMYK, CS_RGB, &p), STATUS_OK);
     EXPECT_EQ(byFile.h->iccTransform, nullptr);
     ASSERT_NE(byFile.h->customIccTransform, nullptr);
-    EXPECT_EQ(byFile.h->srcFormat, convert::kTypeCmyk8);
+    EXPECT_EQ(byFile.h->srcFormat, TYPE_CMYK_8);
     EXPECT_EQ(std::u16string(byFile.h->dstProfilePath), std::u16string(srgbFile.begin(), srgbFile.end()));
     EXPECT_EQ(Convert(byFile.h, 4, 3), expect);
 

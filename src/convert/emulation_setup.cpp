@@ -1,14 +1,14 @@
-// Choosing a handle's emulation grid: a built-in one by pair, or a custom
-// one read from the caller's TIFF file and owned by the handle.
-#include "colormodels/emulation.h"
+#include "convert/emulation_setup.h"
 
 #include "colormodels/builtin_data.h"
-#include "colormodels/caller_path.h"
 #include "colormodels/emulation_grid_file.h"
+#include "colormodels/space_table.h"
+#include "convert/caller_path.h"
+#include "convert/handle_internal.h"
 #include "platform/alloc.h"
 #include "platform/utf16.h"
 
-namespace kt::color {
+namespace kt::convert {
 namespace {
 
 constexpr auto kModule = mem::Module::ktclr;
@@ -19,22 +19,20 @@ struct Grid {
     std::uint32_t samples;        // samples per pixel of a custom grid file
 };
 
-constexpr std::uint32_t kGrid33Bytes = 33 * 33 * 33 * 3;
-constexpr std::uint32_t kGrid17Bytes = 17 * 17 * 17 * 17 * 3;
+constexpr std::uint32_t kGrid33Bytes = 33 * 33 * 33 * 3;  // three coordinates
+constexpr std::uint32_t kGrid17Bytes = 17 * 17 * 17 * 17 * 3;  // four
 
-bool IsRgbSide(int space) { return space == CS_RGB || space == CS_BGR; }
-
+// The grid between RGB (either order) and the other side, from its space's row.
 Grid GridFor(int src, int dst) {
-    const std::uint8_t* grids = data::EmulationGrids();
-    if (src == CS_CMYK && IsRgbSide(dst)) return {grids + 2 * data::kGridSlot33, kGrid17Bytes, 4};
-    if (IsRgbSide(src) && dst == CS_LAB) return {grids + data::kGridSlot33, kGrid33Bytes, 3};
-    if (src == CS_LAB && IsRgbSide(dst)) return {grids, kGrid33Bytes, 3};
-    return {nullptr, 0, 0};
+    const color::SpaceInfo* other = IsRgbSide(dst) ? color::FindSpace(src) : IsRgbSide(src) ? color::FindSpace(dst) : nullptr;
+    if (!other) return {nullptr, 0, 0};
+    const color::GridRef ref = IsRgbSide(dst) ? other->gridToRgb : other->gridFromRgb;
+    if (ref.slot < 0) return {nullptr, 0, 0};
+    return {color::data::EmulationGrids() + ref.slot * color::data::kGridSlot33, ref.samples == 4 ? kGrid17Bytes : kGrid33Bytes,
+            static_cast<std::uint32_t>(ref.samples)};
 }
 
 }  // namespace
-
-bool EmulationAvailable() noexcept { return true; }
 
 KtStatus SelectEmulationTable(ClrHandle* h, int src, int dst, const ConversionParams* p, bool custom) noexcept {
     if (!h) return ERR_INVALID_PARAMETER;
@@ -55,7 +53,7 @@ KtStatus SelectEmulationTable(ClrHandle* h, int src, int dst, const ConversionPa
     if (!grid.builtin) return STATUS_OK;
 
     std::uint8_t* table = nullptr;
-    const KtStatus status = ReadGridFile(h->emulationTablePath, grid.samples, grid.bytes, &table);
+    const KtStatus status = color::ReadGridFile(h->emulationTablePath, grid.samples, grid.bytes, &table);
     if (status != STATUS_OK) return status;
     FreeCustomEmulationTable(h);
     h->customEmulationTable = table;
@@ -67,4 +65,4 @@ void FreeCustomEmulationTable(ClrHandle* h) noexcept {
     h->customEmulationTable = nullptr;
 }
 
-}  // namespace kt::color
+}  // namespace kt::convert

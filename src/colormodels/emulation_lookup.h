@@ -1,22 +1,11 @@
-// Emulation grids: choosing the built-in grid for a pair, or loading a custom
-// grid from a TIFF file into the handle.
+// Emulation grid lookups: a built-in or custom grid applied to a buffer.
 #pragma once
 
 #include <cstdint>
 
-#include "ktclr/convert.h"
+#include "ktclr/status.h"
 
 namespace kt::color {
-
-// Whether the grid machinery is part of this build.
-bool EmulationAvailable() noexcept;
-
-// custom false: sets h->builtinEmulationTable for the pair (or nothing).
-// custom true: copies p->emulationTablePath into the handle and loads the
-// grid into h->customEmulationTable.
-KtStatus SelectEmulationTable(ClrHandle* h, int src, int dst, const ConversionParams* p, bool custom) noexcept;
-
-void FreeCustomEmulationTable(ClrHandle* h) noexcept;
 
 // Grid lookups over a buffer, with the kernel contract's padding and
 // RGB-order flag. A null grid is ERR_INVALID_PARAMETER and writes nothing.

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-namespace kt::color {
+namespace kt::convert {
 
 // Longest name a handle keeps (its fields hold 260 units).
 inline constexpr std::size_t kMaxPathChars = 259;
@@ -16,4 +16,4 @@ enum class PathState { missing, exists, noMemory };
 // something that exists; its length goes to *length either way.
 PathState LookUpPath(const char16_t* path, std::size_t units, std::size_t* length) noexcept;
 
-}  // namespace kt::color
+}  // namespace kt::convert

@@ -1,10 +1,10 @@
-#include "colormodels/caller_path.h"
+#include "convert/caller_path.h"
 
 #include <sys/stat.h>
 
 #include "platform/utf16.h"
 
-namespace kt::color {
+namespace kt::convert {
 
 PathState LookUpPath(const char16_t* path, std::size_t units, std::size_t* length) noexcept {
     *length = path ? text::Utf16Length(path, units) : 0;
@@ -15,4 +15,4 @@ PathState LookUpPath(const char16_t* path, std::size_t units, std::size_t* lengt
     return stat(name.c_str(), &st) == 0 ? PathState::exists : PathState::missing;
 }
 
-}  // namespace kt::color
+}  // namespace kt::convert
