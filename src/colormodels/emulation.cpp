@@ -34,8 +34,6 @@ Grid GridFor(int src, int dst) {
 
 }  // namespace
 
-bool EmulationAvailable() noexcept { return true; }
-
 KtStatus SelectEmulationTable(ClrHandle* h, int src, int dst, const ConversionParams* p, bool custom) noexcept {
     if (!h) return ERR_INVALID_PARAMETER;
     const Grid grid = GridFor(src, dst);

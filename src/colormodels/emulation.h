@@ -8,9 +8,6 @@
 
 namespace kt::color {
 
-// Whether the grid machinery is part of this build.
-bool EmulationAvailable() noexcept;
-
 // custom false: sets h->builtinEmulationTable for the pair (or nothing).
 // custom true: copies p->emulationTablePath into the handle and loads the
 // grid into h->customEmulationTable.

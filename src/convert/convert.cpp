@@ -71,7 +71,7 @@ KtStatus IccRow(const ClrHandle* h, cmsHTRANSFORM transform, std::uint8_t* in, s
     if (h->srcSpace == CS_YCCK && h->ycckTable) {
         if (!inPlace) {
             scratch = static_cast<std::uint8_t*>(KT_ALLOC(n * 4));
-            if (!scratch) return 0;  // nothing converted; the caller stops here
+            if (!scratch) return ERR_ALLOC;  // nothing converted; the caller stops here
             color::YcckToCmykPixels(*h->ycckTable, in, scratch, n);
             from = scratch;
         } else {

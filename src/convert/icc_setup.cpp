@@ -64,8 +64,6 @@ IccProfileSource Kept(const ProfileMemory* memory, const KtChar16* path) {
 
 }  // namespace
 
-bool IccAvailable() noexcept { return true; }
-
 KtStatus BuildBuiltinIccTransform(ClrHandle* h, std::uint32_t iccFlags) noexcept {
     KtStatus status = STATUS_OK;
     h->iccTransform = BuildIccTransform(h->srcFormat, h->dstFormat, iccFlags, {}, {}, &status);

@@ -12,9 +12,6 @@ namespace kt::convert {
 // Adds to the caller's ICC flags to select the caller's profiles.
 inline constexpr std::uint32_t kIccFlagCustom = 65536;
 
-// Whether the transform machinery is part of this build.
-bool IccAvailable() noexcept;
-
 // Builds h->iccTransform between the built-in profiles of the two formats.
 KtStatus BuildBuiltinIccTransform(ClrHandle* h, std::uint32_t iccFlags) noexcept;
 

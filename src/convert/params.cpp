@@ -155,7 +155,6 @@ KtStatus ChangeCustomProfiles(ClrHandle* h, const ConversionParams* p, std::uint
 }
 
 KtStatus ChangeCustomEmulation(ClrHandle* h, const ConversionParams* p) {
-    if (!color::EmulationAvailable()) return ERR_BAD_METHOD;
     CopyPath(h->emulationTablePath, p->emulationTablePath);
     color::FreeCustomEmulationTable(h);
     const int src = h->srcSpace, dst = h->dstSpace;

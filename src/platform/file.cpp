@@ -93,6 +93,4 @@ std::int64_t File::Size() const noexcept {
     return static_cast<std::int64_t>(st.st_size);
 }
 
-bool File::Sync() noexcept { return fd_ >= 0 && fsync(fd_) == 0; }
-
 }  // namespace kt::file

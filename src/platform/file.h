@@ -34,7 +34,6 @@ public:
     bool Seek(std::int64_t offset) noexcept;
     // -1 when unknown.
     std::int64_t Size() const noexcept;
-    bool Sync() noexcept;
     int fd() const noexcept { return fd_; }
 
 private:

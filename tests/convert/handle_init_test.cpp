@@ -165,15 +165,9 @@ TEST(HandleInit, AutomaticChoice) {
     // choice stays in the caller's record.
     Handle c;
     const KtStatus s = Vx_ClrInit(&c.h, CS_RGB, CS_CMYK, &p);
-    if (convert::IccAvailable()) {
-        EXPECT_EQ(s, STATUS_OK);
-        EXPECT_EQ(p.method, static_cast<std::uint32_t>(METHOD_AUTO));
-        EXPECT_EQ(c.h->method, static_cast<std::uint32_t>(METHOD_ICC));
-    } else {
-        EXPECT_EQ(s, ERR_BAD_METHOD);
-        EXPECT_EQ(p.method, static_cast<std::uint32_t>(METHOD_ICC));
-        EXPECT_EQ(p.prepareMethods, static_cast<std::uint32_t>(METHOD_ICC));
-    }
+    EXPECT_EQ(s, STATUS_OK);
+    EXPECT_EQ(p.method, static_cast<std::uint32_t>(METHOD_AUTO));
+    EXPECT_EQ(c.h->method, static_cast<std::uint32_t>(METHOD_ICC));
     // Only both fields at 32 ask for a choice.
     p = Params(METHOD_AUTO, METHOD_BUILTIN);
     Handle d;

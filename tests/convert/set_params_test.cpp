@@ -198,17 +198,5 @@ TEST_F(SetParams, EarlierChangesStayWhenALaterStepFails) {
     EXPECT_EQ(h->method, 16u);
 }
 
-TEST_F(SetParams, MachineryThatIsNotBuiltYet) {
-    ClrHandle* h = Make(CS_CMYK, CS_RGB);
-    ConversionParams p = Params(0, KTCLR_CHANGE_CUSTOM_EMULATION);
-    if (!color::EmulationAvailable()) {
-        EXPECT_EQ(Vx_ClrSetConversionParams(h, &p), ERR_BAD_METHOD);
-    }
-    p.prepareMethods = KTCLR_CHANGE_CUSTOM_PROFILES;
-    if (!convert::IccAvailable()) {
-        EXPECT_EQ(Vx_ClrSetConversionParams(h, &p), ERR_BAD_METHOD);
-    }
-}
-
 }  // namespace
 }  // namespace kt
