@@ -5,7 +5,7 @@
 set -eu
 pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev"
 if [ "${1:-}" = "--tests" ]; then
-  pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll"
+  pkgs="$pkgs libgtest-dev libbenchmark-dev icc-profiles-free colord-data argyll"
 fi
 missing=""
 for p in $pkgs; do
