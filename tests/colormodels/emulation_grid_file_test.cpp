@@ -14,8 +14,7 @@
 #include "colormodels/emulation_tiff.h"
 #include "convert/icc_test_support.h"
 #include "platform/alloc.h"
-#include "support/alloc_failures.h"
-#include "support/params.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

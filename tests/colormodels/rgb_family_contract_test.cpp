@@ -9,7 +9,7 @@
 #include "colormodels/kernels.h"
 #include "colormodels/space_table.h"
 #include "ktclr/colorspace.h"
-#include "support/mapped_memory.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "support/alloc_failures.h"
+#include "support/support.h"
 #include "tag_lut_fixtures.h"
 
 namespace {

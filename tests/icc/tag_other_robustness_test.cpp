@@ -9,7 +9,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_types.h"
-#include "support/alloc_failures.h"
+#include "support/support.h"
 #include "tag_other_samples.h"
 
 namespace {

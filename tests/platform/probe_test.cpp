@@ -7,7 +7,7 @@
 
 #include <csignal>
 
-#include "support/mapped_memory.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

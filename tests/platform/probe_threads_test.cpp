@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/probe.h"
-#include "support/mapped_memory.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

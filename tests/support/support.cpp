@@ -1,0 +1,104 @@
+#include "support/support.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <random>
+#include <stdexcept>
+
+namespace kt::test {
+namespace {
+int Prot(MappedPages::Access a) {
+    switch (a) {
+        case MappedPages::Access::none: return PROT_NONE;
+        case MappedPages::Access::read: return PROT_READ;
+        default: return PROT_READ | PROT_WRITE;
+    }
+}
+}  // namespace
+
+MappedPages::MappedPages(std::size_t pages, Access access) : pages_(pages) {
+    page_ = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    void* p = mmap(nullptr, (pages + 2) * page_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (p == MAP_FAILED) throw std::runtime_error("mmap");
+    region_ = static_cast<unsigned char*>(p);
+    base_ = region_ + page_;
+    munmap(region_, page_);
+    munmap(base_ + pages * page_, page_);
+    for (std::size_t i = 0; i < pages; ++i) Protect(i, access);
+}
+
+MappedPages::~MappedPages() { munmap(base_, pages_ * page_); }
+
+void MappedPages::Protect(std::size_t page, Access access) {
+    unsigned char* at = base_ + page * page_;
+    if (access == Access::unmapped) {
+        munmap(at, page_);
+        return;
+    }
+    void* p = mmap(at, page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+    if (p == MAP_FAILED) throw std::runtime_error("mmap fixed");
+    mprotect(at, page_, Prot(access));
+}
+
+LiveCounts LiveCounts::Now() {
+    LiveCounts c{};
+    for (int m = 0; m < static_cast<int>(mem::Module::count); ++m)
+        c.perModule[m] = mem::testing::LiveBlocks(static_cast<mem::Module>(m));
+    return c;
+}
+
+bool LiveCounts::operator==(const LiveCounts& o) const {
+    for (int m = 0; m < static_cast<int>(mem::Module::count); ++m)
+        if (perModule[m] != o.perModule[m]) return false;
+    return true;
+}
+
+int ForEachAllocationFailure(const std::function<int()>& run, const std::function<void(int, int)>& check) {
+    for (int n = 1; n < 100000; ++n) {
+        const LiveCounts before = LiveCounts::Now();
+        mem::testing::FailNthAllocation(n);
+        const int status = run();
+        const bool fired = mem::testing::FailureFired();
+        mem::testing::FailNthAllocation(0);
+        if (!fired) return n - 1;
+        check(n, status);
+        EXPECT_TRUE(LiveCounts::Now() == before) << "blocks leaked when allocation " << n << " failed";
+    }
+    ADD_FAILURE() << "operation never completed";
+    return -1;
+}
+
+Bytes Random(std::size_t n, unsigned seed, int pixelBytes) {
+    std::mt19937 rng(seed);
+    Bytes b(n);
+    const std::size_t ramp = 256 * static_cast<std::size_t>(pixelBytes);
+    for (std::size_t i = 0; i < n; ++i)
+        b[i] = i < ramp ? static_cast<std::uint8_t>(i / pixelBytes) : static_cast<std::uint8_t>(rng());
+    return b;
+}
+
+ScratchDir::ScratchDir() {
+    char name[] = "/tmp/ktclr-test-XXXXXX";
+    path_ = mkdtemp(name);
+}
+
+ScratchDir::~ScratchDir() { std::system(("rm -rf '" + path_ + "'").c_str()); }
+
+std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
+    const std::string full = path_ + "/" + name;
+    std::ofstream f(full, std::ios::binary);
+    f.write(reinterpret_cast<const char*>(b.data()), static_cast<std::streamsize>(b.size()));
+    return full;
+}
+
+void SetPath(KtChar16* field, const std::string& path) {
+    std::size_t i = 0;
+    for (; i < path.size() && i + 1 < KTCLR_PARAMS_PATH_UNITS; ++i) field[i] = static_cast<KtChar16>(path[i]);
+    field[i] = 0;
+}
+
+}  // namespace kt::test
