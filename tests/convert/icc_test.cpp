@@ -222,98 +222,81 @@ protected:
     const Bytes press = BuiltinProfile(KTCLR_PROFILE_CMYK_PRESS);
     const Bytes display = BuiltinProfile(KTCLR_PROFILE_RGB_DISPLAY);
     const Bytes srgb = LcmsSrgb();
-    const std::string pressFile = dir.Write("press.icc", press), srgbFile = dir.Write("srgb.icc", srgb);
+    const std::string pressFile_ = dir.Write("press.icc", press), srgbFile_ = dir.Write("srgb.icc", srgb);
 };
 
-TEST_F(CustomIcc, ProfilesFromFilesAndMemory) {
-    const Witness witness({&press, &srgb}, TYPE_CMYK_8, TYPE_RGB_8);
-    ConversionParams p = Params(METHOD_CUSTOM_ICC);
-    SetPath(p.srcProfilePath, pressFile);
-    SetPath(p.dstProfilePath, srgbFile);
-    Handle byFile(CS_CMYK, CS_RGB, &p);
-    ASSERT_NE(byFile.h, nullptr);
-    EXPECT_EQ(byFile.h->iccTransform, nullptr);
-    EXPECT_EQ(std::u16string(byFile.h->dstProfilePath), std::u16string(srgbFile.begin(), srgbFile.end()));
-    witness.ExpectSame(byFile.h);
-
-    // Memory wins over a path; the handle keeps its own copies.
-    auto* srcCopy = new Bytes(press);
-    auto* dstCopy = new Bytes(srgb);
-    ProfileMemory src{KTCLR_SIZEOF_PROFILE_MEMORY, srcCopy->data(), static_cast<std::uint32_t>(srcCopy->size())};
-    ProfileMemory dst{KTCLR_SIZEOF_PROFILE_MEMORY, dstCopy->data(), static_cast<std::uint32_t>(dstCopy->size())};
-    p = Params(METHOD_CUSTOM_ICC);
-    p.srcProfileMemory = &src;
-    p.dstProfileMemory = &dst;
-    SetPath(p.dstProfilePath, dir.path() + "/missing.icc");
-    Handle byMemory(CS_CMYK, CS_RGB, &p);
-    ASSERT_NE(byMemory.h, nullptr);
-    EXPECT_EQ(byMemory.h->dstProfilePath[0], 0);
-    delete srcCopy;
-    delete dstCopy;
-    witness.ExpectSame(byMemory.h);
-    // Rebuilding uses the copies.
-    ConversionParams change = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
-    ASSERT_EQ(Vx_ClrSetConversionParams(byMemory.h, &change), STATUS_OK);
-    witness.ExpectSame(byMemory.h);
-
-    // The same space on both sides is no identity under the custom method.
-    p = Params(METHOD_CUSTOM_ICC);
-    SetPath(p.srcProfilePath, srgbFile);
-    SetPath(p.dstProfilePath, dir.Write("display.icc", display));
-    Handle same(CS_RGB, CS_RGB, &p);
-    Witness({&srgb, &display}, TYPE_RGB_8, TYPE_RGB_8).ExpectSame(same.h);
-}
-
-TEST_F(CustomIcc, OneProfileAndFallbacks) {
-    // A source alone that lcms2 takes: CMYK to its Lab connection space.
-    ConversionParams p = Params(METHOD_CUSTOM_ICC);
-    SetPath(p.srcProfilePath, pressFile);
-    Handle toLab(CS_CMYK, CS_LAB, &p);
-    Witness({&press}, TYPE_CMYK_8, TYPE_Lab_8).ExpectSame(toLab.h);
-    // A source alone that lcms2 refuses (RGB to its XYZ connection space
-    // written as RGB): the built-in display profile stands in.
-    p = Params(METHOD_CUSTOM_ICC);
-    SetPath(p.srcProfilePath, srgbFile);
-    Handle srcOnly(CS_RGB, CS_CMYK, &p);
-    Witness({&srgb, &press}, TYPE_RGB_8, TYPE_CMYK_8).ExpectSame(srcOnly.h);
-    // A destination alone: the built-in profile of the source format joins.
-    p = Params(METHOD_CUSTOM_ICC);
-    SetPath(p.dstProfilePath, srgbFile);
-    Handle dstOnly(CS_CMYK, CS_BGR, &p);
-    Witness({&press, &srgb}, TYPE_CMYK_8, TYPE_BGR_8).ExpectSame(dstOnly.h);
-
-    // No profiles: a Lab destination has no fallback; the display profile
-    // alone cannot take CMYK pixels, nor the CMY profile alone make CMY.
-    // Names that do not exist are ignored like empty ones.
-    p = Params(METHOD_CUSTOM_ICC);
-    Handle none;
-    EXPECT_EQ(none.Init(CS_RGB, CS_LAB, &p), ERR_PROFILE_COUNT);
-    EXPECT_EQ(none.Init(CS_CMYK, CS_RGB, &p), ERR_BAD_COLOR_SPACE);
-    EXPECT_EQ(none.Init(CS_RGB, CS_CMY, &p), ERR_BAD_COLOR_SPACE);
-    SetPath(p.srcProfilePath, dir.path() + "/nothing.icc");
-    SetPath(p.dstProfilePath, dir.path() + "/nothing.icc");
-    EXPECT_EQ(none.Init(CS_RGB, CS_LAB, &p), ERR_PROFILE_COUNT);
-    EXPECT_EQ(none.h, nullptr);
-}
-
-TEST_F(CustomIcc, RefusedInputs) {
-    ConversionParams p = Params(METHOD_CUSTOM_ICC);
-    Handle h;
-    EXPECT_EQ(h.Init(CS_HSV, CS_RGB, &p), ERR_NO_ICC_FORMAT);
-    EXPECT_EQ(h.Init(CS_RGB, CS_YCBCR, &p), ERR_NO_ICC_FORMAT);
+TEST_F(CustomIcc, EachSideFromFileMemoryOrFallback) {
+    // A side's profile: a file, bytes in memory (which win over a path, and
+    // which the handle copies: the caller's bytes are scrambled before the
+    // conversion), a name that does not exist (ignored like an empty one),
+    // or unusable bytes.
+    enum Source { none, pressFile, srgbFile, displayFile, pressBytes, srgbBytes, missing, junkFile, junkBytes,
+                  emptyBytes, badPointer };
     Bytes junk(300, 0x5A);
-    ProfileMemory empty{KTCLR_SIZEOF_PROFILE_MEMORY, junk.data(), 0};
-    ProfileMemory unreadable{KTCLR_SIZEOF_PROFILE_MEMORY, reinterpret_cast<void*>(16), 100};
-    ProfileMemory garbage{KTCLR_SIZEOF_PROFILE_MEMORY, junk.data(), static_cast<std::uint32_t>(junk.size())};
-    for (auto [memory, status] : {std::pair{&empty, ERR_INVALID_PARAMETER}, {&unreadable, ERR_INVALID_PARAMETER},
-                                  {&garbage, ERR_PROFILE_OPEN}}) {
-        p.srcProfileMemory = memory;
-        EXPECT_EQ(h.Init(CS_RGB, CS_CMYK, &p), status);
+    const std::string junkPath = dir.Write("junk.icc", junk), displayPath = dir.Write("display.icc", display);
+    struct Case {
+        int src, dst;
+        Source from, to;
+        KtStatus status;
+        std::vector<const Bytes*> witness = {};  // profiles Little CMS is given
+        cmsUInt32Number in = 0, out = 0;
+    } cases[] = {
+        {CS_CMYK, CS_RGB, pressFile, srgbFile, STATUS_OK, {&press, &srgb}, TYPE_CMYK_8, TYPE_RGB_8},
+        {CS_CMYK, CS_RGB, pressBytes, srgbBytes, STATUS_OK, {&press, &srgb}, TYPE_CMYK_8, TYPE_RGB_8},
+        {CS_RGB, CS_RGB, srgbFile, displayFile, STATUS_OK, {&srgb, &display}, TYPE_RGB_8, TYPE_RGB_8},
+        // One profile that lcms2 takes: CMYK to its Lab connection space.
+        {CS_CMYK, CS_LAB, pressFile, none, STATUS_OK, {&press}, TYPE_CMYK_8, TYPE_Lab_8},
+        // One that lcms2 refuses (RGB to XYZ written as CMYK): the built-in
+        // profile of the missing side's format stands in.
+        {CS_RGB, CS_CMYK, srgbFile, none, STATUS_OK, {&srgb, &press}, TYPE_RGB_8, TYPE_CMYK_8},
+        {CS_CMYK, CS_BGR, none, srgbFile, STATUS_OK, {&press, &srgb}, TYPE_CMYK_8, TYPE_BGR_8},
+        // No profiles: a Lab side has no fallback; the display profile alone
+        // cannot take CMYK pixels, nor the CMY profile alone make CMY.
+        {CS_RGB, CS_LAB, none, none, ERR_PROFILE_COUNT},
+        {CS_RGB, CS_LAB, missing, missing, ERR_PROFILE_COUNT},
+        {CS_CMYK, CS_RGB, none, none, ERR_BAD_COLOR_SPACE},
+        {CS_RGB, CS_CMY, none, none, ERR_BAD_COLOR_SPACE},
+        {CS_HSV, CS_RGB, none, none, ERR_NO_ICC_FORMAT},
+        {CS_RGB, CS_YCBCR, none, none, ERR_NO_ICC_FORMAT},
+        {CS_RGB, CS_CMYK, junkBytes, none, ERR_PROFILE_OPEN},
+        {CS_RGB, CS_CMYK, none, junkFile, ERR_PROFILE_OPEN},
+        {CS_RGB, CS_CMYK, emptyBytes, none, ERR_INVALID_PARAMETER},
+        {CS_RGB, CS_CMYK, badPointer, none, ERR_INVALID_PARAMETER},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.src << "->" << c.dst << " " << c.from << " " << c.to);
+        ConversionParams p = Params(METHOD_CUSTOM_ICC);
+        Bytes copies[2];
+        ProfileMemory memory[2];
+        auto set = [&](Source s, KtChar16* path, ProfileMemory** slot, int i) {
+            const Bytes* bytes = s == pressBytes ? &press : s == srgbBytes ? &srgb : s == junkBytes ? &junk : nullptr;
+            if (bytes || s == emptyBytes || s == badPointer) {
+                copies[i] = bytes ? *bytes : Bytes(1);
+                memory[i] = {KTCLR_SIZEOF_PROFILE_MEMORY, copies[i].data(), static_cast<std::uint32_t>(copies[i].size())};
+                if (s == emptyBytes) memory[i].length = 0;
+                if (s == badPointer) memory[i].data = reinterpret_cast<void*>(16);
+                *slot = &memory[i];
+                SetPath(path, displayPath);  // not used: the bytes win
+            }
+            const std::string name = s == pressFile ? pressFile_ : s == srgbFile ? srgbFile_
+                                   : s == displayFile ? displayPath : s == junkFile ? junkPath
+                                   : s == missing ? dir.path() + "/missing.icc" : "";
+            if (!name.empty()) SetPath(path, name);
+        };
+        set(c.from, p.srcProfilePath, &p.srcProfileMemory, 0);
+        set(c.to, p.dstProfilePath, &p.dstProfileMemory, 1);
+        Handle h;
+        ASSERT_EQ(h.Init(c.src, c.dst, &p), c.status);
+        if (c.status != STATUS_OK) continue;
+        EXPECT_EQ(h.h->iccTransform, nullptr);
+        for (Bytes& b : copies) std::fill(b.begin(), b.end(), 0);
+        Witness(c.witness, c.in, c.out).ExpectSame(h.h);
+        // Rebuilding uses what the handle kept.
+        ConversionParams change = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
+        if (c.from != pressBytes) continue;
+        ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
+        Witness(c.witness, c.in, c.out).ExpectSame(h.h);
     }
-    p.srcProfileMemory = nullptr;
-    SetPath(p.dstProfilePath, dir.Write("junk.icc", junk));
-    EXPECT_EQ(h.Init(CS_RGB, CS_CMYK, &p), ERR_PROFILE_OPEN);
-    EXPECT_EQ(h.h, nullptr);
 }
 
 TEST_F(CustomIcc, PathLengthRule) {
@@ -341,7 +324,7 @@ TEST_F(CustomIcc, PathLengthRule) {
 
 TEST_F(CustomIcc, SetParamsRebuilds) {
     ConversionParams p = Params(METHOD_CUSTOM_ICC, METHOD_CUSTOM_ICC | METHOD_ICC);
-    SetPath(p.srcProfilePath, pressFile);
+    SetPath(p.srcProfilePath, pressFile_);
     Handle h(CS_CMYK, CS_RGB, &p);
     ASSERT_NE(h.h, nullptr);
     const Witness withDisplay({&press, &display}, TYPE_CMYK_8, TYPE_RGB_8);
@@ -349,8 +332,8 @@ TEST_F(CustomIcc, SetParamsRebuilds) {
 
     // Bit 2: new paths, rebuilt with the caller's flags.
     ConversionParams change = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
-    SetPath(change.srcProfilePath, pressFile);
-    SetPath(change.dstProfilePath, srgbFile);
+    SetPath(change.srcProfilePath, pressFile_);
+    SetPath(change.dstProfilePath, srgbFile_);
     change.iccFlags = 1;
     ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
     Witness({&press, &srgb}, TYPE_CMYK_8, TYPE_RGB_8, cmsFLAGS_NOWHITEONWHITEFIXUP).ExpectSame(h.h);
@@ -359,7 +342,7 @@ TEST_F(CustomIcc, SetParamsRebuilds) {
     IccOptions options{{7, 8, 9, 10, 11}};
     change = Params(0, KTCLR_CHANGE_ICC_OPTIONS | KTCLR_CHANGE_CUSTOM_PROFILES);
     change.iccOptions = &options;
-    SetPath(change.srcProfilePath, pressFile);
+    SetPath(change.srcProfilePath, pressFile_);
     ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
     withDisplay.ExpectSame(h.h);
     EXPECT_EQ(h.h->iccOptions->values[0], 7u);
@@ -368,8 +351,8 @@ TEST_F(CustomIcc, SetParamsRebuilds) {
     // the built-in transform is untouched.
     change = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
     SetPath(change.srcProfilePath, dir.path() + "/gone.icc");
-    SetPath(change.dstProfilePath, srgbFile);
-    std::remove(srgbFile.c_str());
+    SetPath(change.dstProfilePath, srgbFile_);
+    std::remove(srgbFile_.c_str());
     EXPECT_EQ(Vx_ClrSetConversionParams(h.h, &change), ERR_FILE_NOT_FOUND);
     EXPECT_EQ(h.h->customIccTransform, nullptr);
     change = Params(METHOD_ICC, KTCLR_CHANGE_METHOD);
