@@ -10,6 +10,7 @@
 #include "ktclr/convert.h"
 #include "ktclr/embedded.h"
 #include "ktclr/icc.h"
+#include "ktclr/icc_curves.h"
 #include "support/support.h"
 
 namespace kt {
@@ -244,6 +245,24 @@ const Row kRows[] = {
     {"FillICCProfileFromICCFile", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_FillICCProfileFromICCFile(f.File("in.icc").c_str(), &f.profile); },
      [](Fixture& f) { f.dir.Write("in.icc", TheSamples().tagged); }},
+    {"ClrIntGetCurveTypeLittleIndian", ERR_NO_MEMORY, [](Fixture&) {
+         std::uint16_t entries[2] = {1, 2};
+         ICCCurveType curve{Sig("curv"), 0, 2, entries}, back{};
+         unsigned char flat[16];
+         Vx_ConvertCurveTypeToBuffer(flat, &curve);
+         const KtStatus s = Vx_ClrIntGetCurveTypeLittleIndian(flat, &back);
+         Vx_ClrIntIccFreeCurveType(&back);
+         return s;
+     }},
+    {"ClrIntGetParametricCurveTypeLittleIndian", ERR_NO_MEMORY, [](Fixture&) {
+         std::int32_t parameters[4] = {1, 2, 3, 4};
+         ICCParametricCurveType curve{Sig("para"), 0, 2, 0, parameters}, back{};
+         unsigned char flat[32];
+         Vx_ConvertParametricCurveTypeToBuffer(flat, &curve);
+         const KtStatus s = Vx_ClrIntGetParametricCurveTypeLittleIndian(flat, &back);
+         Vx_ClrIntIccFreeParametricCurveType(&back);
+         return s;
+     }},
 };
 
 class AllocationFailure : public testing::TestWithParam<Row> {};

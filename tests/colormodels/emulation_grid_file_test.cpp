@@ -12,7 +12,6 @@
 #include "colormodels/emulation.h"
 #include "colormodels/emulation_grid_file.h"
 #include "colormodels/emulation_tiff.h"
-#include "convert/icc_test_support.h"
 #include "platform/alloc.h"
 #include "support/support.h"
 
