@@ -265,6 +265,8 @@ const Row kRows[] = {
      }},
 };
 
+void PrintTo(const Row& row, std::ostream* os) { *os << row.name; }
+
 class AllocationFailure : public testing::TestWithParam<Row> {};
 
 TEST_P(AllocationFailure, AnswersItsStatusAndLeavesNothing) {
