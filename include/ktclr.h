@@ -8,5 +8,9 @@
 #include "ktclr/convert.h"
 #include "ktclr/embedded.h"
 #include "ktclr/icc.h"
+#include "ktclr/storage.h"
+#include "ktclr/bitmap.h"
+#include "ktclr/narrow.h"
+#include "ktclr/dialog.h"
 
 #endif

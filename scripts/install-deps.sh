@@ -1,11 +1,17 @@
 #!/bin/sh
 # Installs what ktclr needs on Debian 12: the build dependencies, and with
 # --tests also what the test suite uses (GoogleTest and the ICC profiles of
-# Debian's colour packages). Runs apt only when something is missing.
+# Debian's colour packages, GTK 3, Xvfb and xdotool for the dialog).
+# Runs apt only when something is missing.
 set -eu
-pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev"
+pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev libwebp-dev libcli11-dev"
 if [ "${1:-}" = "--tests" ]; then
   pkgs="$pkgs libgtest-dev libbenchmark-dev icc-profiles-free colord-data argyll"
+  # GTK 3, Xvfb and xdotool for the dialog tests.
+  pkgs="$pkgs libgtk-3-dev xvfb xauth xdotool"
+  # Independent readers and writers of image files for the storage and tool
+  # tests; Little CMS's tificc for the tool's ICC conversions.
+  pkgs="$pkgs libimage-exiftool-perl imagemagick libjpeg-turbo-progs libtiff-tools webp liblcms2-utils"
 fi
 missing=""
 for p in $pkgs; do

@@ -64,14 +64,16 @@ typedef struct CmykOptions {
 #define KTCLR_YUV_BYTE_COUNT 32u
 #define KTCLR_YUV_VALUE5 64u
 
+/* Values handed to the YUV kernels unchanged; validMask names those that
+ * Vx_ClrSetConversionParams applies (KTCLR_YUV_*). */
 typedef struct YuvOptions {
     uint32_t structSize; /* KTCLR_SIZEOF_YUV_OPTIONS */
     uint32_t validMask;
-    int32_t values[4];
-    void* buffer; /* shared with the handle: keep it alive */
-    uint32_t byteCount;
-    int32_t value5;
-    int32_t last;
+    int32_t values[4];   /* KTCLR_YUV_VALUE1 .. KTCLR_YUV_VALUE4 */
+    void* buffer;        /* shared with the handle: keep it alive */
+    uint32_t byteCount;  /* bytes KTCLR_YUV_BUFFER copies into buffer */
+    int32_t value5;      /* KTCLR_YUV_VALUE5 */
+    int32_t last;        /* copied at creation, never changed */
 } YuvOptions;
 
 typedef struct LabOptions {
@@ -143,29 +145,70 @@ typedef struct ClrHandle {
     YcckTable* ycckTable;
 } ClrHandle;
 
-/* Creates a handle for srcSpace -> dstSpace; params may be null (built-in
- * formulas). On failure *outHandle is left untouched. */
+/* Creates a handle for srcSpace -> dstSpace and builds what the prepared
+ * methods need (ICC transforms, emulation and Lab tables). The handle owns
+ * copies of the option records and profiles it was given (not the buffer
+ * inside YuvOptions); release it with Vx_ClrFree. params may be null: the
+ * built-in formulas. A pair with srcSpace == dstSpace (and no
+ * METHOD_CUSTOM_ICC prepared) gives an identity handle that copies rows,
+ * whatever the id.
+ *
+ * With METHOD_AUTO in both params->method and params->prepareMethods, the
+ * chosen method is written into both fields for the duration of the call
+ * and METHOD_AUTO is put back only on success: a failure after the choice
+ * leaves the chosen bit in the caller's record.
+ *
+ * STATUS_OK with *outHandle set; on failure *outHandle is left untouched:
+ * ERR_INVALID_PARAMETER, ERR_BAD_STRUCT_SIZE, ERR_BAD_POINTER,
+ * ERR_UNSUPPORTED_SPACE, ERR_BAD_METHOD, ERR_BAD_COLOR_SPACE, ERR_ALLOC or a
+ * status of the profile and table set-up. An unreadable or mis-sized
+ * CmykOptions, YuvOptions or LabOptions record returns ERR_BAD_POINTER or
+ * ERR_BAD_STRUCT_SIZE with the half-built handle left live on the handle
+ * list: the caller never receives it, and unloading the library frees it. */
 KTCLR_API KtStatus Vx_ClrInit(ClrHandle** outHandle, int srcSpace, int dstSpace,
                               ConversionParams* params);
 
-/* Destroys a live handle and everything it owns. */
+/* Destroys a live handle and frees everything it owns. STATUS_OK;
+ * ERR_INVALID_PARAMETER for a null or unreadable pointer;
+ * ERR_INVALID_COLOR_HANDLE for a pointer that is not a live handle (a
+ * handle freed already, while its block is still readable). */
 KTCLR_API KtStatus Vx_ClrFree(ClrHandle* handle);
 
-/* STATUS_OK if handle is live, else ERR_INVALID_COLOR_HANDLE. */
+/* STATUS_OK if handle is a live handle (readable, its size field right and
+ * on the list of handles), else ERR_INVALID_COLOR_HANDLE. */
 KTCLR_API KtStatus Vx_ClrIsValid(ClrHandle* handle);
 
 /* Changes a live handle; params->prepareMethods is the change mask
- * (KTCLR_CHANGE_*). Changes made before a failing step stay in force. */
+ * (KTCLR_CHANGE_*), applied in the order METHOD, CMYK, YUV, LAB,
+ * ICC_OPTIONS, CUSTOM_PROFILES, CUSTOM_EMULATION. Changes made before a
+ * failing step stay in force. The YUV change tests params->cmykOptions,
+ * not yuvOptions, for null. ERR_INVALID_PARAMETER, ERR_BAD_STRUCT_SIZE,
+ * ERR_BAD_POINTER, ERR_INVALID_COLOR_HANDLE, ERR_BAD_METHOD (a method not
+ * prepared, or an option change for a pair without that space), ERR_ALLOC
+ * or a transform builder's status; else STATUS_OK. A custom emulation
+ * table that cannot be loaded leaves the handle without one and still
+ * returns STATUS_OK. */
 KTCLR_API KtStatus Vx_ClrSetConversionParams(ClrHandle* handle, ConversionParams* params);
 
 /* Converts width x height pixels from the handle's source space to its
- * destination space. srcAlign/dstAlign: row alignment in bytes (0: packed
- * rows; both strides are rounded only when both are non-zero). */
+ * destination space with the method in force. srcAlign/dstAlign: row
+ * alignment in bytes (0: packed rows; both strides are rounded only when
+ * both are non-zero). Both buffers are probed over their whole extent
+ * before anything is written. STATUS_OK; ERR_NULL_ARGUMENT, ERR_BAD_SIZE,
+ * ERR_INVALID_PARAMETER, ERR_BAD_POINTER, ERR_INVALID_COLOR_HANDLE,
+ * ERR_SAME_BUFFER (in place with differing alignments), ERR_BAD_METHOD, or
+ * the status of the method's row conversion. A pair converted through RGB
+ * reports STATUS_OK whatever the conversion found. */
 KTCLR_API KtStatus Vx_ClrConvert(ClrHandle* handle, uint8_t* src, uint8_t* dst, int width, int height,
                                  int srcAlign, int dstAlign);
 
-/* Converts between two spaces with the built-in formulas, without a handle;
- * srcPad/dstPad: bytes after each row. */
+/* Converts between two spaces with the built-in formulas, without a
+ * handle; srcPad/dstPad: bytes after each row. A pair without RGB on
+ * either side passes through a temporary RGB image. STATUS_OK;
+ * ERR_INVALID_PARAMETER, ERR_BAD_COLOR_SPACE (unknown space), ERR_ODD_WIDTH,
+ * ERR_BAD_PLANAR_SIZE, ERR_BAD_POINTER, ERR_SAME_BUFFER, ERR_ALLOC (the
+ * temporary image) or a kernel's status (ERR_INVALID_TAG for an HLS pixel
+ * with zero saturation and a hue). */
 KTCLR_API KtStatus Vx_ClrConvertDirect(int srcSpace, int dstSpace, uint8_t* src, uint8_t* dst, int width,
                                        int height, int srcPad, int dstPad);
 

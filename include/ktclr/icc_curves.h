@@ -33,28 +33,47 @@ typedef struct ICCParametricCurveType {
     int32_t* parameters; /* owned by the record */
 } ICCParametricCurveType;
 
-/* Flat host-order buffer to a record; the record's previous array is not
- * freed. */
+/* Reads a flat host-order curve into `curve`: its 12 fixed bytes as they
+ * stand and a new array of `count` entries copied unchanged. The record's
+ * previous array is not freed. ERR_INVALID_PARAMETER for a null pointer,
+ * ERR_NO_MEMORY, else STATUS_OK; release the array with
+ * Vx_ClrIntIccFreeCurveType. */
 KTCLR_API KtStatus Vx_ClrIntGetCurveTypeLittleIndian(const unsigned char* buffer, ICCCurveType* curve);
-/* count * 2 + 4, but 5 for a one-entry curve; 0 for a null record. */
+/* The size rule of a curve after its 8-byte type head: count * 2 + 4, but
+ * 5 for a one-entry curve; 0 for a null record, whose fields are not
+ * read. */
 KTCLR_API uint32_t Vx_ClrIntGetCurveTypeSize(const ICCCurveType* curve, uint32_t count);
+/* Frees the entries and nulls the pointer; a null record or pointer is
+ * ignored, so freeing twice is harmless. */
 KTCLR_API void Vx_ClrIntIccFreeCurveType(ICCCurveType* curve);
-/* 1 when the record is a 'para' one: fileOrder 1 reads the signature as
- * file bytes, any other value as a native number. */
+/* 1 when the record is a 'para' one, else 0 (0 for null): fileOrder 1
+ * reads the signature as file bytes, any other value as a native number. */
 KTCLR_API int32_t Vx_ClrIntIsParametricCurveType(const void* record, int32_t fileOrder);
 /* 1, 3, 4, 5, 7 for function types 0 to 4; 0 for any other. */
 KTCLR_API int32_t Vx_GetParametricCurveNumberOfParameters(uint32_t functionType);
+/* Reads a flat host-order parametric curve into `curve`: its 12 fixed
+ * bytes as they stand and a new array of the function type's parameters.
+ * ERR_INVALID_PARAMETER for a null pointer, ERR_INVALID_TAG for an unknown
+ * function type, ERR_NO_MEMORY, else STATUS_OK; release the array with
+ * Vx_ClrIntIccFreeParametricCurveType. */
 KTCLR_API KtStatus Vx_ClrIntGetParametricCurveTypeLittleIndian(const unsigned char* buffer,
                                                                ICCParametricCurveType* curve);
-/* 4 * parameters + 4 (4 for an unknown function type); 0 for a null record. */
+/* 4 * parameters + 4 (4 for an unknown function type); 0 for a null
+ * record. The function type is read natively. */
 KTCLR_API uint32_t Vx_ClrIntGetParametricCurveTypeSize(const ICCParametricCurveType* curve);
+/* Frees the parameters and nulls the pointer; a null record or pointer is
+ * ignored. */
 KTCLR_API void Vx_ClrIntIccFreeParametricCurveType(ICCParametricCurveType* curve);
-/* The record as a flat buffer of 12 + 2 * count bytes; the count is read in
- * the record's own byte order, which its signature tells. */
+/* Writes the record as a flat buffer of 12 + 2 * count bytes (the caller
+ * provides them); the count is read in the record's own byte order, which
+ * its signature tells. ERR_INVALID_PARAMETER for a null pointer or a
+ * missing array, else STATUS_OK. */
 KTCLR_API KtStatus Vx_ConvertCurveTypeToBuffer(unsigned char* buffer, const ICCCurveType* curve);
-/* The record as a flat buffer; the parameter count comes from the function
- * type read natively, so a file-order record yields its 12 fixed bytes
- * only. */
+/* Writes the record as a flat buffer. The parameter count comes from the
+ * function type read natively, so a file-order record of types 1 to 4
+ * yields its 12 fixed bytes only, and an unknown type writes them and
+ * still returns STATUS_OK. ERR_INVALID_PARAMETER for a null pointer or a
+ * missing array. */
 KTCLR_API KtStatus Vx_ConvertParametricCurveTypeToBuffer(unsigned char* buffer, const ICCParametricCurveType* curve);
 
 KTCLR_EXTERN_C_END

@@ -87,15 +87,19 @@ typedef ICCLutAtoB ICCLutBtoA;
  * or less counts as none, more than 16 as 16; outputChannels below 0 as 0.
  * 0 for a null pointer or a size beyond 32 bits. */
 KTCLR_API uint32_t Vx_ClrIntGetCLUTSize(const void* clut, int32_t inputChannels, int32_t outputChannels);
-/* The record as a flat CLUT: its 20 head bytes, then dataBytes bytes of
- * its data, unchanged. */
+/* Writes the record as a flat CLUT: its 20 head bytes, then dataBytes
+ * bytes of its data, unchanged. ERR_INVALID_PARAMETER for a null pointer, a
+ * precision other than 1 or 2, or data bytes without data; else
+ * STATUS_OK. */
 KTCLR_API KtStatus Vx_ConvertCLUTToBuffer(unsigned char* buffer, const ICCCLUT* clut, int32_t precision,
                                           uint32_t dataBytes);
-/* Reads the CLUT element at source. With a buffer, 2-byte entries are
- * taken as big-endian and made native, and the flat CLUT is written to
- * buffer; without, they are copied as they stand. With a record, it
- * receives the CLUT and a new data array (its reserved bytes reversed);
- * without, nothing is kept. */
+/* Reads the CLUT element at source, sized by Vx_ClrIntGetCLUTSize and
+ * trusted to be complete. With a buffer, 2-byte entries are taken as
+ * big-endian and made native, and the flat CLUT is written to buffer;
+ * without, they are copied as they stand. With a record, it receives the
+ * CLUT and a new data array (its reserved bytes reversed), released with
+ * Vx_ClrIntFreeCLUT; without, nothing is kept. ERR_INVALID_PARAMETER for a
+ * null source or a size beyond 32 bits, ERR_NO_MEMORY, else STATUS_OK. */
 KTCLR_API KtStatus Vx_ClrIntGetCLUTBuffer(unsigned char* buffer, const unsigned char* source, int32_t inputChannels,
                                           int32_t outputChannels, ICCCLUT* clut);
 /* Frees the data array. The pointer is left as it was and clut must not be

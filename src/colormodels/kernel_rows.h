@@ -3,8 +3,6 @@
 // are written with.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,6 +10,12 @@
 
 #include "colormodels/kernels.h"
 #include "platform/probe.h"
+
+// Row functions and the helpers they call are always inlined: each
+// instruction-set file compiles them afresh, and no copy compiled for one
+// level may stand in for another's at link time.
+#define KT_ROW_INLINE [[gnu::always_inline]] inline
+#define KT_LAMBDA_INLINE __attribute__((always_inline))
 
 namespace kt::color::rows {
 
@@ -66,6 +70,7 @@ struct Shape {
 };
 inline constexpr Shape kRgbToRgb{kBits24, kBits24};
 
+
 // Probes, then hands each row to row(order, src, dst, width) and steps over
 // both paddings. A row may return a status; the first one other than
 // STATUS_OK ends the walk.
@@ -93,45 +98,60 @@ KtStatus Walk(Shape shape, const std::uint8_t* src, std::uint8_t* dst, int width
     return rgbOrder != 0 ? walk(RgbOrder{}) : walk(BgrOrder{});
 }
 
-// Row functions are written once as plain loops and inlined into two
-// callers: the baseline (SSE2) one and one compiled for AVX2, chosen once per
-// process. The plain variant stays the reference drop-in.
-#define KT_ROW_INLINE [[gnu::always_inline]] inline
-#define KT_LAMBDA_INLINE __attribute__((always_inline))
+// A kernel's row at one instruction-set level: converts `width` pixels from
+// s to d; ctx is the kernel's per-call state. Each level's row comes in
+// both RGB orders.
+using Row = KtStatus (*)(const void* ctx, const std::uint8_t* s, std::uint8_t* d, int width) noexcept;
+struct OrderedRows {
+    Row bgr;
+    Row rgb;
+};
 
-inline bool HasAvx2() noexcept {
-    static const bool has = __builtin_cpu_supports("avx2");
-    return has;
-}
+// A kernel's rows per instruction set (cpu.h): plain always, a null entry
+// falls back to the next lower level.
+struct IsaRows {
+    const OrderedRows* plain;
+    const OrderedRows* avx2 = nullptr;
+    const OrderedRows* avx512 = nullptr;
+};
 
-// Walks with the `vector` rows (AVX2 steps) where the processor has AVX2 and
-// with the `plain` rows otherwise.
-template <class Vector, class Plain>
-KtStatus WalkAvx2Or(Shape shape, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
-                    int dstPad, int rgbOrder, const Vector& vector, const Plain& plain) noexcept {
-    if (HasAvx2()) return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder, vector);
-    return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder, plain);
-}
+// The rows this process runs: the highest entry at or below CpuIsa().
+const OrderedRows& Pick(const IsaRows& rows) noexcept;
 
-template <class Row, class O>
-[[gnu::target("avx2")]] auto RowAvx2(const Row& row, O order, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    return row(order, s, d, width);
-}
+// The one dispatcher: probes, then walks the picked rows (see Walk).
+KtStatus Run(Shape shape, const IsaRows& rows, const void* ctx, const std::uint8_t* src, std::uint8_t* dst,
+             int width, int height, int srcPad, int dstPad, int rgbOrder) noexcept;
 
-// Walk with the row compiled for the best instruction set the processor has.
-// The row lambda must be marked KT_ROW_INLINE-style (always_inline) so that
-// its loops are compiled inside each variant.
-template <class Row>
-KtStatus WalkFast(Shape shape, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
-                  int dstPad, int rgbOrder, const Row& row) noexcept {
-    if (HasAvx2()) {
-        return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                    [&row](auto order, const std::uint8_t* s, std::uint8_t* d, int w) {
-                        return RowAvx2(row, order, s, d, w);
-                    });
+template <class F>
+KT_ROW_INLINE KtStatus StatusOf(const F& f) {
+    if constexpr (std::is_void_v<decltype(f())>) {
+        f();
+        return STATUS_OK;
+    } else {
+        return f();
     }
-    return Walk(shape, src, dst, width, height, srcPad, dstPad, rgbOrder, row);
 }
+
+}  // namespace kt::color::rows
+
+// Both orders of a row template f(order, s, d, width), or with the context
+// f(order, const Ctx&, s, d, width), as OrderedRows.
+#define KT_ROW_OF(f, O)                                                                                       \
+    [](const void*, const std::uint8_t* s, std::uint8_t* d, int w) noexcept -> KtStatus {                     \
+        return ::kt::color::rows::StatusOf([&] { return f(O{}, s, d, w); });                                   \
+    }
+#define KT_ORDERED_ROWS(f) \
+    ::kt::color::rows::OrderedRows { KT_ROW_OF(f, ::kt::color::rows::BgrOrder), KT_ROW_OF(f, ::kt::color::rows::RgbOrder) }
+#define KT_ROW_WITH(f, Ctx, O)                                                                                \
+    [](const void* c, const std::uint8_t* s, std::uint8_t* d, int w) noexcept -> KtStatus {                   \
+        return ::kt::color::rows::StatusOf([&] { return f(O{}, *static_cast<const Ctx*>(c), s, d, w); });      \
+    }
+#define KT_ORDERED_ROWS_WITH(f, Ctx)                                                                  \
+    ::kt::color::rows::OrderedRows {                                                                   \
+        KT_ROW_WITH(f, Ctx, ::kt::color::rows::BgrOrder), KT_ROW_WITH(f, Ctx, ::kt::color::rows::RgbOrder) \
+    }
+
+namespace kt::color::rows {
 
 // Pixels go through the vectorized formulas a chunk at a time, spread into
 // one 32-bit lane array per byte position.
@@ -170,34 +190,25 @@ KT_ROW_INLINE void Chunked(const std::uint8_t* s, std::uint8_t* d, int width, co
     }
 }
 
-// Truncation toward zero as the processor does it: a value that does not fit
-// (or a not-a-number) becomes INT32_MIN, whose low byte is 0.
-inline std::int32_t Trunc(double x) noexcept { return _mm_cvttsd_si32(_mm_set_sd(x)); }
-
-// a x b / c with a 64-bit product and the quotient rounded half away from
-// zero; -1 for a zero divisor.
-constexpr std::int32_t MulDiv(std::int32_t a, std::int32_t b, std::int32_t c) {
-    if (c == 0) return -1;
-    const std::int64_t p = static_cast<std::int64_t>(a) * b;
-    const std::int64_t ap = p < 0 ? -p : p;
-    const std::int64_t ac = c < 0 ? -static_cast<std::int64_t>(c) : c;
-    const std::int64_t q = (ap + ac / 2) / ac;
-    return static_cast<std::int32_t>((p < 0) != (c < 0) ? -q : q);
+// Truncation toward zero as x86 does it: a value that does not fit (or a
+// not-a-number) becomes INT32_MIN, whose low byte is 0.
+[[gnu::always_inline]] constexpr std::int32_t Trunc(double x) noexcept {
+    return x > -2147483649.0 && x < 2147483648.0 ? static_cast<std::int32_t>(x) : INT32_MIN;
 }
 
-// MulDiv for operands whose product and divisor stay far below 2^31 (the
-// 8-bit channel formulas): the same rounding in 32-bit division.
-constexpr int MulDivSmall(int a, int b, int c) {
-    const int p = a * b;
-    const int q = ((p < 0 ? -p : p) + c / 2) / c;  // c > 0
-    return p < 0 ? -q : q;
+// Quotient of integers |a| < 2^24 and c > 0, truncated toward zero, through
+// one single-precision division so that whole chunks vectorize. Exact: both
+// convert exactly, a whole quotient is exact, and one that is not lies at
+// least 1/c from the next whole number toward infinity while the division
+// is off by at most |a|/c x 2^-24 < 1/c.
+KT_ROW_INLINE int ExactQuotient(int a, int c) {
+    return static_cast<int>(static_cast<float>(a) / static_cast<float>(c));
 }
 
-constexpr int Min3(int a, int b, int c) { return a < b ? (a < c ? a : c) : (b < c ? b : c); }
-constexpr int Max3(int a, int b, int c) { return a > b ? (a > c ? a : c) : (b > c ? b : c); }
+[[gnu::always_inline]] constexpr int Min3(int a, int b, int c) { return a < b ? (a < c ? a : c) : (b < c ? b : c); }
 
 // Clamp a double into [lo, hi] before truncating it.
-constexpr double Clamp(double x, double lo, double hi) { return x < lo ? lo : (x > hi ? hi : x); }
-constexpr int ClampInt(int x, int lo, int hi) { return x < lo ? lo : (x > hi ? hi : x); }
+[[gnu::always_inline]] constexpr double Clamp(double x, double lo, double hi) { return x < lo ? lo : (x > hi ? hi : x); }
+[[gnu::always_inline]] constexpr int ClampInt(int x, int lo, int hi) { return x < lo ? lo : (x > hi ? hi : x); }
 
 }  // namespace kt::color::rows

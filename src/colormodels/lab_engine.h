@@ -69,11 +69,11 @@ struct GammaEncoder {
     // below it (code 0) and 1 for anything above. Over one segment the code
     // rises by at most 255 x 0.45 x 2^-7 < 1, so one comparison with the
     // segment's next threshold suffices; one load per value.
-    int EncodeLane(double v) const noexcept { return EncodeLane(lane, v); }
+    [[gnu::always_inline]] int EncodeLane(double v) const noexcept { return EncodeLane(lane, v); }
 
     // The same on the lane table alone (lane loops keep its address in a
     // local, so that the vectorizer sees plain array loads).
-    static int EncodeLane(const std::uint64_t* lane, double v) noexcept {
+    [[gnu::always_inline]] static int EncodeLane(const std::uint64_t* lane, double v) noexcept {
         constexpr double kSmall = 0x1p-21;
         constexpr int base = (1023 + kFirstBinade) << kSegmentBits;
         v = lanes::Select(v > kSmall, v, kSmall);
@@ -93,21 +93,21 @@ void BuildGammaEncoder(GammaEncoder* e, double exponent) noexcept;
 void ForwardLabPixel(const ForwardLab& f, int r, int g, int b, std::uint8_t out[3]) noexcept;
 int EncodeGammaExact(double v, double exponent) noexcept;
 
-// Rows: `rIndex` is the byte of red in an RGB pixel (0 or 2).
-void ForwardLabRow(const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width, int rIndex) noexcept;
-// The same with a chosen instruction-set variant (tests run each).
-void ForwardLabRowWith(Variant isa, const ForwardLab& f, const std::uint8_t* src, std::uint8_t* dst, int width,
-                       int rIndex) noexcept;
+// RGB to Lab rows per instruction set, with the ForwardLab as context.
+const rows::IsaRows& ForwardLabRows() noexcept;
 
 // Lab to RGB rows, with an encoder choosing the code of each linear value.
 template <class Encoder>
 void InverseLabRow(const InverseLab& inv, const Encoder& enc, const std::uint8_t* src, std::uint8_t* dst, int width,
                    int rIndex) noexcept;
 
-// Lab to RGB rows in lane loops with an exact threshold encoder; the same
-// results as InverseLabRow with that encoder.
-void InverseLabLanesWith(Variant isa, const InverseLab& inv, const GammaEncoder& enc, const std::uint8_t* src,
-                         std::uint8_t* dst, int width, int rIndex) noexcept;
+// Lab to RGB rows in lane loops per instruction set, with an exact threshold
+// encoder; the same results as InverseLabRow with that encoder.
+struct InverseLanes {
+    const InverseLab* inverse;
+    const GammaEncoder* encoder;
+};
+const rows::IsaRows& InverseLabRows() noexcept;
 
 // The per-byte inputs of the inverse formula, the same for every table.
 struct InverseInputs {

@@ -72,11 +72,7 @@ struct Q28Encoder {
 
 KtStatus RgbToLabThroughTable(const RgbToLabTable* t, const std::uint8_t* src, std::uint8_t* dst, int width,
                               int height, int srcPad, int dstPad, int rgbOrder) noexcept {
-    const ForwardLab& f = t->engine;
-    return rows::Walk(kThreeBytes, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [&f](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          ForwardLabRow(f, s, d, w, decltype(o)::r);
-                      });
+    return rows::Run(kThreeBytes, ForwardLabRows(), &t->engine, src, dst, width, height, srcPad, dstPad, rgbOrder);
 }
 
 KtStatus LabToRgbThroughTable(const LabTable* t, const std::uint8_t* src, std::uint8_t* dst, int width, int height,

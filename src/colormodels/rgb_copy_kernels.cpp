@@ -1,7 +1,6 @@
 // Byte shuffles between the two RGB orders and CMY.
-#include <tmmintrin.h>
-
 #include "colormodels/kernel_rows.h"
+#include "colormodels/x86/rows.h"
 
 namespace kt::color {
 namespace {
@@ -9,7 +8,8 @@ constexpr std::uint8_t kFull = 255;
 
 // Swaps bytes 0 and 2 of every pixel. Each pixel is read whole before it is
 // written, so the rows may be converted in place.
-void SwapRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+template <class O>
+void SwapRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     for (int x = 0; x < width; ++x, s += 3, d += 3) {
         const std::uint8_t b0 = s[0], b1 = s[1], b2 = s[2];
         d[0] = b2;
@@ -30,47 +30,6 @@ void InvertRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     }
 }
 
-// Swap and complement 16 bytes at a time with SSSE3: each step converts five
-// pixels and stores 16 bytes, the 16th being the next pixel's first byte
-// written back unchanged (so a row converted in place reads it intact). The
-// remaining pixels go through the scalar rows.
-struct Shuffle {
-    bool swap;    // exchange bytes 0 and 2 of each pixel
-    bool invert;  // complement every byte
-};
-constexpr int kVectorPixels = 5;
-constexpr int kVectorReach = 6;  // a step reads 16 bytes: pixels x .. x + 5
-
-[[gnu::target("ssse3")]] int ShuffleBlocks(Shuffle how, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    alignas(16) std::uint8_t order[16], flip[16];
-    for (int i = 0; i < 16; ++i) {
-        const int pixel = i / 3, at = i % 3;
-        order[i] = static_cast<std::uint8_t>(i == 15 || !how.swap ? i : 3 * pixel + (2 - at));
-        flip[i] = static_cast<std::uint8_t>(i == 15 || !how.invert ? 0 : kFull);
-    }
-    const __m128i shuffle = _mm_load_si128(reinterpret_cast<const __m128i*>(order));
-    const __m128i complement = _mm_load_si128(reinterpret_cast<const __m128i*>(flip));
-    int x = 0;
-    for (; x + kVectorReach <= width; x += kVectorPixels, s += 3 * kVectorPixels, d += 3 * kVectorPixels) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_xor_si128(_mm_shuffle_epi8(v, shuffle), complement));
-    }
-    return x;
-}
-
-bool HasSsse3() noexcept {
-    static const bool has = __builtin_cpu_supports("ssse3");
-    return has;
-}
-
-// Runs the vector steps where the processor has them, then the scalar row
-// on what is left.
-template <class Tail>
-void ShuffleRow(Shuffle how, const std::uint8_t* s, std::uint8_t* d, int width, Tail tail) noexcept {
-    const int done = HasSsse3() ? ShuffleBlocks(how, s, d, width) : 0;
-    tail(s + 3 * done, d + 3 * done, width - done);
-}
-
 template <class O>
 void InvertToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     for (int x = 0; x < width; ++x, s += 3, d += 3) {
@@ -80,32 +39,30 @@ void InvertToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexce
         d[O::b] = static_cast<std::uint8_t>(kFull - y);
     }
 }
+constexpr rows::OrderedRows kSwapPlain = KT_ORDERED_ROWS(SwapRow);
+constexpr rows::OrderedRows kInvertPlain = KT_ORDERED_ROWS(InvertRow);
+constexpr rows::OrderedRows kInvertToRgbPlain = KT_ORDERED_ROWS(InvertToRgbRow);
+constexpr rows::IsaRows kSwap{&kSwapPlain, KT_X86(kSwapAvx2)};
+constexpr rows::IsaRows kInvert{&kInvertPlain, KT_X86(kInvertAvx2)};
+constexpr rows::IsaRows kInvertToRgb{&kInvertToRgbPlain, KT_X86(kInvertAvx2)};
+
 }  // namespace
 
 // Only ever called between the two different hub orders (equal spaces are
 // copied by the callers), so it always swaps, whatever the flag says.
 KT_KERNEL(RgbToRgbCopy) {
     (void)black;
-    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          ShuffleRow({true, false}, s, d, w, SwapRow);
-                      });
+    return rows::Run(rows::kRgbToRgb, kSwap, nullptr, src, dst, width, height, srcPad, dstPad, rgbOrder);
 }
 
 KT_KERNEL(RgbToCmy) {
     (void)black;
-    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          ShuffleRow({o.r != 0, true}, s, d, w, [o](auto... a) { InvertRow(o, a...); });
-                      });
+    return rows::Run(rows::kRgbToRgb, kInvert, nullptr, src, dst, width, height, srcPad, dstPad, rgbOrder);
 }
 
 KT_KERNEL(CmyToRgb) {
     (void)black;
-    return rows::Walk(rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-                      [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) {
-                          ShuffleRow({o.r != 0, true}, s, d, w, [o](auto... a) { InvertToRgbRow(o, a...); });
-                      });
+    return rows::Run(rows::kRgbToRgb, kInvertToRgb, nullptr, src, dst, width, height, srcPad, dstPad, rgbOrder);
 }
 
 }  // namespace kt::color

@@ -1,165 +1,23 @@
-// YCbCr, full range, with Cb and Cr stored as signed bytes centred on 0.
-#include "colormodels/affine_avx512.h"
-#include "colormodels/kernel_rows.h"
+// YCbCr kernels: the plain rows (ycbcr_rows.h), AVX2 and AVX-512 steps.
+#include "colormodels/ycbcr_rows.h"
+#include "colormodels/x86/rows.h"
 
 namespace kt::color {
 namespace {
-constexpr double kFull = 255.0;
-constexpr double kChromaLow = -128.0, kChromaHigh = 127.0;
-
-// The double formulas. The sums are written once for doubles and for the
-// vector lanes that redo the steps near a whole number, so that both round
-// alike (by reference: no vector crosses a baseline call).
-template <class T>
-KT_ROW_INLINE void LumaSum(const T& r, const T& g, const T& b, T& sum) {
-    sum = 0.299 * r + 0.587 * g + 0.114 * b;
-}
-template <class T>
-KT_ROW_INLINE void BlueChromaSum(const T& r, const T& g, const T& b, T& sum) {
-    sum = -0.16874 * r - 0.33126 * g + 0.5 * b;
-}
-template <class T>
-KT_ROW_INLINE void RedChromaSum(const T& r, const T& g, const T& b, T& sum) {
-    sum = 0.5 * r - 0.41869 * g - 0.08131 * b;
-}
-template <void (*Sum)(const double&, const double&, const double&, double&)>
-KT_ROW_INLINE int Truncated(double r, double g, double b, double lo, double hi) {
-    double sum;
-    Sum(r, g, b, sum);
-    return static_cast<int>(rows::Clamp(sum, lo, hi));
-}
-KT_ROW_INLINE int Luma(double r, double g, double b) { return Truncated<LumaSum>(r, g, b, 0.0, kFull); }
-KT_ROW_INLINE int BlueChroma(double r, double g, double b) {
-    return Truncated<BlueChromaSum>(r, g, b, kChromaLow, kChromaHigh);
-}
-KT_ROW_INLINE int RedChroma(double r, double g, double b) {
-    return Truncated<RedChromaSum>(r, g, b, kChromaLow, kChromaHigh);
-}
-
-template <class O>
-KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
-        for (int i = 0; i < rows::kChunk; ++i) {
-            const double r = in[O::r][i], g = in[O::g][i], b = in[O::b][i];
-            out[0][i] = Luma(r, g, b);
-            out[1][i] = BlueChroma(r, g, b);
-            out[2][i] = RedChroma(r, g, b);
-        }
-    });
-}
-
-constexpr affine::Channel kChannels[3] = {
-    {0.299, 0.587, 0.114, 0.0, 0, 255},
-    {-0.16874, -0.33126, 0.5, 0.0, -128, 127},
-    {0.5, -0.41869, -0.08131, 0.0, -128, 127},
-};
-constexpr affine::Fixed3 kFromRgbFixed{kChannels};
-static_assert(kFromRgbFixed.bytes);
-
-// The inverse in integers. Every double sum Y + c x Cb (+ c' x Cr) truncates
-// after clamping to Y plus the floor of the chroma terms alone, and with
-// the coefficients rounded to 22 fractional bits the arithmetic shift gives
-// that floor for every Cb and Cr: the exhaustive tests prove both steps.
-constexpr int kInverseShift = 22;
-constexpr double kInverseScale = 1 << kInverseShift;
-constexpr int Fixed(double c) { return static_cast<int>(c * kInverseScale + 0.5); }
-constexpr int kRedCr = Fixed(1.402);
-constexpr int kGreenCb = Fixed(0.3441363);
-constexpr int kGreenCr = Fixed(0.71413636);
-constexpr int kBlueCb = Fixed(1.772);
-
-template <class O>
-KT_ROW_INLINE void ToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
-        for (int i = 0; i < rows::kChunk; ++i) {
-            const int y = in[0][i];
-            const int cb = static_cast<std::int8_t>(in[1][i]);
-            const int cr = static_cast<std::int8_t>(in[2][i]);
-            out[O::r][i] = rows::ClampInt(y + ((kRedCr * cr) >> kInverseShift), 0, 255);
-            out[O::g][i] = rows::ClampInt(y + ((-kGreenCb * cb - kGreenCr * cr) >> kInverseShift), 0, 255);
-            out[O::b][i] = rows::ClampInt(y + ((kBlueCb * cb) >> kInverseShift), 0, 255);
-        }
-    });
-}
-
-#pragma GCC push_options
-#pragma GCC target("avx2")
-template <class O>
-void FromRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    static const affine::Vectors vectors{kFromRgbFixed};
-    affine::FromRgb<O>(kFromRgbFixed, vectors, s, d, width,
-                       [](const __m256d& r, const __m256d& g, const __m256d& b, __m128i* out) KT_STEP_INLINE {
-                           __m256d sum[3];
-                           LumaSum(r, g, b, sum[0]);
-                           BlueChromaSum(r, g, b, sum[1]);
-                           RedChromaSum(r, g, b, sum[2]);
-                           out[0] = avx2::TruncateClamped(sum[0], 0.0, kFull);
-                           out[1] = avx2::TruncateClamped(sum[1], kChromaLow, kChromaHigh);
-                           out[2] = avx2::TruncateClamped(sum[2], kChromaLow, kChromaHigh);
-                       });
-}
-
-[[gnu::always_inline]] inline __m256i Term(__m256i v, int k) {
-    return _mm256_srai_epi32(_mm256_mullo_epi32(v, _mm256_set1_epi32(k)), kInverseShift);
-}
-
-template <class O>
-void ToRgbAvx2(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    avx2::Steps(s, d, width, [](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
-        const avx2::Step st = avx2::Load(m, from);
-        const __m256i y = st.c[0];
-        const __m256i cb = _mm256_srai_epi32(_mm256_slli_epi32(st.c[1], 24), 24);
-        const __m256i cr = _mm256_srai_epi32(_mm256_slli_epi32(st.c[2], 24), 24);
-        const __m256i green = _mm256_add_epi32(_mm256_mullo_epi32(cb, _mm256_set1_epi32(-kGreenCb)),
-                                               _mm256_mullo_epi32(cr, _mm256_set1_epi32(-kGreenCr)));
-        __m256i out[3];
-        out[O::r] = _mm256_add_epi32(y, Term(cr, kRedCr));
-        out[O::g] = _mm256_add_epi32(y, _mm256_srai_epi32(green, kInverseShift));
-        out[O::b] = _mm256_add_epi32(y, Term(cb, kBlueCb));
-        avx2::StoreClamped(m, to, st.raw, out[0], out[1], out[2]);
-    });
-}
-#pragma GCC pop_options
-
-#pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi")
-template <class O>
-void FromRgbAvx512(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    static const affine512::Vectors vectors{kFromRgbFixed};
-    affine512::FromRgb<O>(kFromRgbFixed, vectors, s, d, width,
-                          [](const __m512d& r, const __m512d& g, const __m512d& b, __m256i* out) KT_STEP_INLINE {
-                              __m512d sum[3];
-                              LumaSum(r, g, b, sum[0]);
-                              BlueChromaSum(r, g, b, sum[1]);
-                              RedChromaSum(r, g, b, sum[2]);
-                              out[0] = affine512::TruncateClamped(sum[0], 0.0, kFull);
-                              out[1] = affine512::TruncateClamped(sum[1], kChromaLow, kChromaHigh);
-                              out[2] = affine512::TruncateClamped(sum[2], kChromaLow, kChromaHigh);
-                          });
-}
-#pragma GCC pop_options
-
+constexpr rows::OrderedRows kFromRgbPlain = KT_ORDERED_ROWS(ycbcr::FromRgbRow);
+constexpr rows::OrderedRows kToRgbPlain = KT_ORDERED_ROWS(ycbcr::ToRgbRow);
+constexpr rows::IsaRows kFromRgb{&kFromRgbPlain, KT_X86(kRgbToYcbcrAvx2), KT_X86(kRgbToYcbcrAvx512)};
+constexpr rows::IsaRows kToRgb{&kToRgbPlain, KT_X86(kYcbcrToRgbAvx2)};
 }  // namespace
 
-KT_KERNEL_WITH(affine::RgbToYcbcrWith) {
-    (void)black;
-    return WalkVariant(
-        variant, rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx512<decltype(o)>(s, d, w); },
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbAvx2<decltype(o)>(s, d, w); },
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { FromRgbRow(o, s, d, w); });
-}
-
 KT_KERNEL(RgbToYcbcr) {
-    return affine::RgbToYcbcrWith(BestVariant(), src, dst, width, height, srcPad, dstPad, black, rgbOrder);
+    (void)black;
+    return rows::Run(rows::kRgbToRgb, kFromRgb, nullptr, src, dst, width, height, srcPad, dstPad, rgbOrder);
 }
 
 KT_KERNEL(YcbcrToRgb) {
     (void)black;
-    return rows::WalkAvx2Or(
-        rows::kRgbToRgb, src, dst, width, height, srcPad, dstPad, rgbOrder,
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbAvx2<decltype(o)>(s, d, w); },
-        [](auto o, const std::uint8_t* s, std::uint8_t* d, int w) { ToRgbRow(o, s, d, w); });
+    return rows::Run(rows::kRgbToRgb, kToRgb, nullptr, src, dst, width, height, srcPad, dstPad, rgbOrder);
 }
 
 }  // namespace kt::color

@@ -33,6 +33,7 @@ inline void Store64(std::uint8_t* p, std::uint64_t v) noexcept {
 // The native number whose memory holds the big-endian bytes of `v`: what a
 // file-order record keeps in a 32-bit field.
 inline std::uint32_t FileOrder32(std::uint32_t v) noexcept { return __builtin_bswap32(v); }
+inline std::uint16_t FileOrder16(std::uint16_t v) noexcept { return __builtin_bswap16(v); }
 
 // Sig("mntr") == 0x6D6E7472.
 consteval std::uint32_t Sig(const char (&s)[5]) {

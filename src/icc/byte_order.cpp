@@ -6,7 +6,7 @@ constexpr int kMaxBytes = 8;
 }
 
 // The accumulator is 32 bits wide on purpose: for 5 to 8 bytes only the last
-// four survive, which callers of this helper have always seen.
+// four survive (Header.ByteHelpers pins it).
 extern "C" KTCLR_API uint64_t Vx_ClrIntIccGetBytes(const unsigned char* bytes, int count) {
     if (!bytes || count <= 0 || count > kMaxBytes) return 0;
     uint32_t value = 0;

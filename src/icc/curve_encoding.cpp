@@ -19,26 +19,28 @@ std::uint32_t ParameterCount(std::uint32_t functionType) noexcept {
     return functionType < std::size(kParametersByType) ? kParametersByType[functionType] : 0;
 }
 
-KtStatus InspectEncodedCurve(const std::uint8_t* p, std::uint64_t available, EncodedCurve* curve) noexcept {
-    if (available < kCurveHeadBytes) return ERR_INVALID_TAG;
+KtStatus InspectEncodedCurve(TagReader& in, EncodedCurve* curve) noexcept {
     EncodedCurve c{};
-    c.parametric = Load32(p) == Sig("para");
+    c.start = in.Take(kCurveHeadBytes);
+    if (!c.start) return ERR_INVALID_TAG;
+    c.parametric = Load32(c.start) == Sig("para");
     if (c.parametric) {
-        c.values = ParameterCount(Load16(p + kFunctionTypeAt));
+        c.values = ParameterCount(Load16(c.start + kFunctionTypeAt));
         if (c.values == 0) return ERR_INVALID_TAG;
         c.bytes = kCurveHeadBytes + std::uint64_t{c.values} * kParameterBytes;
         c.advance = c.bytes;
     } else {
-        c.values = Load32(p + kCountAt);
+        c.values = Load32(c.start + kCountAt);
         c.bytes = kCurveHeadBytes + std::uint64_t{c.values} * kCurveEntryBytes;
         c.advance = 8 + RoundUp4(CurveSizeRule(c.values));
     }
-    if (c.bytes > available) return ERR_INVALID_TAG;
+    if (!in.Holds(c.values, c.parametric ? kParameterBytes : kCurveEntryBytes)) return ERR_INVALID_TAG;
     *curve = c;
     return STATUS_OK;
 }
 
-void WriteFlatCurve(const std::uint8_t* p, const EncodedCurve& c, std::uint8_t* flat) noexcept {
+void WriteFlatCurve(const EncodedCurve& c, std::uint8_t* flat) noexcept {
+    const std::uint8_t* p = c.start;
     const std::uint32_t head[2] = {Load32(p), Load32(p + 4)};
     std::memcpy(flat, head, sizeof head);
     std::uint8_t* out = flat + kCurveHeadBytes;

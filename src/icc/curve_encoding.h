@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "icc/big_endian.h"
+#include "icc/tag_reader.h"
 #include "ktclr/icc_curves.h"
 
 namespace kt::icc {
@@ -29,16 +30,18 @@ inline constexpr std::uint64_t CurveSizeRule(std::uint64_t count) noexcept {
 
 // A curve found inside tag bytes.
 struct EncodedCurve {
+    const std::uint8_t* start;
     bool parametric;
     std::uint32_t values;  // entries, or parameters
     std::uint64_t bytes;   // of the encoding, without padding
     std::uint64_t advance; // to the next curve of a set
 };
 
-// Looks at the curve at `p` with `available` bytes behind it: a 'para'
-// signature makes it parametric, anything else a curveType. A curve that
-// does not fit, or an unknown function type, is ERR_INVALID_TAG.
-KtStatus InspectEncodedCurve(const std::uint8_t* p, std::uint64_t available, EncodedCurve* curve) noexcept;
+// Reads the head of the curve at the reader's position and checks that its
+// values follow: a 'para' signature makes it parametric, anything else a
+// curveType. A curve that does not fit, or an unknown function type, is
+// ERR_INVALID_TAG.
+KtStatus InspectEncodedCurve(TagReader& in, EncodedCurve* curve) noexcept;
 
 // Bytes of a curve's flat host-order form, padded to 4.
 inline std::uint64_t FlatCurveBytes(const EncodedCurve& c) noexcept {
@@ -46,7 +49,7 @@ inline std::uint64_t FlatCurveBytes(const EncodedCurve& c) noexcept {
 }
 
 // Writes the flat host-order form of an inspected curve, pad bytes zeroed.
-void WriteFlatCurve(const std::uint8_t* p, const EncodedCurve& c, std::uint8_t* flat) noexcept;
+void WriteFlatCurve(const EncodedCurve& c, std::uint8_t* flat) noexcept;
 
 // A host-order curve record (ICCCurveType, or ICCParametricCurveType when
 // its native signature is 'para'): the bytes of its encoding padded to 4,

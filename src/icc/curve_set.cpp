@@ -18,18 +18,17 @@ const void* RecordAt(const void* records, std::uint32_t i) noexcept {
 
 }  // namespace
 
-KtStatus ReadCurveSet(const std::uint8_t* element, std::uint32_t size, std::uint32_t offset, std::uint32_t count,
-                      BytePool& pool, void** copy) noexcept {
+KtStatus ReadCurveSet(TagReader in, std::uint32_t offset, std::uint32_t count, BytePool& pool, void** copy) noexcept {
     const std::uint64_t start = pool.size();
     std::uint64_t at = offset;
     for (std::uint32_t i = 0; i < count; ++i) {
-        if (at > size) return ERR_INVALID_TAG;
+        in.Seek(at);
         EncodedCurve curve{};
-        const KtStatus st = InspectEncodedCurve(element + at, size - at, &curve);
+        const KtStatus st = InspectEncodedCurve(in, &curve);
         if (st != STATUS_OK) return st;
         std::uint8_t* flat = pool.Grow(FlatCurveBytes(curve));
         if (!flat) return ERR_NO_MEMORY;
-        WriteFlatCurve(element + at, curve, flat);
+        WriteFlatCurve(curve, flat);
         at += curve.advance;
     }
     *copy = pool.CopyOut(start, pool.size() - start);
@@ -59,10 +58,13 @@ void EncodeRecordSet(const void* records, std::uint32_t count, std::uint8_t* out
 }
 
 std::uint64_t EncodedSetBytes(const std::uint8_t* encoded, std::uint32_t count) noexcept {
+    // The sets this library encoded fit 32 bits.
+    TagReader in(encoded, UINT32_MAX);
     std::uint64_t total = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
+        in.Seek(total);
         EncodedCurve curve{};
-        InspectEncodedCurve(encoded + total, UINT64_MAX, &curve);
+        InspectEncodedCurve(in, &curve);
         total += curve.advance;
     }
     return total;

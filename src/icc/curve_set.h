@@ -5,17 +5,17 @@
 #include <cstdint>
 
 #include "icc/byte_pool.h"
+#include "icc/tag_reader.h"
 #include "ktclr/export.h"
 #include "ktclr/status.h"
 
 namespace kt::icc {
 
-// Reads the `count` curves that start `offset` bytes into an element of
-// `size` bytes, appends their flat host-order forms to `pool` and puts a
-// copy of that part of the pool in `*copy`. A curve outside the element is
+// Reads the `count` curves that start `offset` bytes into the element of
+// `in`, appends their flat host-order forms to `pool` and puts a copy of
+// that part of the pool in `*copy`. A curve outside the element is
 // ERR_INVALID_TAG.
-KtStatus ReadCurveSet(const std::uint8_t* element, std::uint32_t size, std::uint32_t offset, std::uint32_t count,
-                      BytePool& pool, void** copy) noexcept;
+KtStatus ReadCurveSet(TagReader in, std::uint32_t offset, std::uint32_t count, BytePool& pool, void** copy) noexcept;
 
 // Encoded bytes of an array of `count` host-order curve records;
 // ERR_INVALID_PARAMETER for a null array or a record that cannot be

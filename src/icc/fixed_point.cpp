@@ -1,8 +1,8 @@
 // s15Fixed16 and u8Fixed8 numbers. The conversions from double build the
 // fraction one hexadecimal digit at a time, stop as soon as the fraction is
-// used up and round only the last digit. Profiles written by earlier
-// releases carry exactly these values, so the method is kept, including its
-// unshifted result for short fractions (0.5 gives 0x8).
+// used up and round only the last digit, so a short fraction comes back
+// unshifted (0.5 gives 0x8) and these values, not plain scaling, are what
+// profiles carry. The FixedPoint tests pin them digit by digit.
 #include <cstdint>
 
 #include "ktclr/icc.h"

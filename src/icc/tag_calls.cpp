@@ -32,7 +32,7 @@ public:
     ScratchRecord(const ScratchRecord&) = delete;
     ScratchRecord& operator=(const ScratchRecord&) = delete;
     ~ScratchRecord() {
-        if (codec_.release) codec_.release(bytes_);
+        ReleaseRecord(codec_, bytes_);
     }
     void* get() { return bytes_; }
 
@@ -109,5 +109,5 @@ extern "C" KTCLR_API void Vx_FreeICCTagType(void* typed, uint32_t typeSignature)
     if (!typed) return;
     bool raw = false;
     const TagTypeCodec& codec = CodecFor(typeSignature, &raw);
-    if (codec.release) codec.release(typed);
+    ReleaseRecord(codec, typed);
 }

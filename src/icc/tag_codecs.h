@@ -14,7 +14,6 @@ namespace kt::icc {
     std::uint64_t ElementSize(const void* fileOrder) noexcept;                                 \
     void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept;                  \
     KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept;      \
-    void Release(void* record) noexcept;                                                       \
     }
 
 KT_ICC_DECLARE_TAG_CODEC(raw)  // ICCRawTagType

@@ -4,7 +4,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
-#include "icc/tag_element_bounds.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -45,24 +45,17 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCChromaticityType*>(host);
     *out = ICCChromaticityType{};
-    if (size < kFixedBytes) return ERR_INVALID_TAG;
-    const std::uint16_t channels = Load16(element + 8);
-    if (channels > ItemsThatFit(size, kFixedBytes, kPairBytes)) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->colorantType = Load16(element + 10);
-    out->coordinates = static_cast<ICCChromaticityCoordinate*>(KT_ALLOC(std::size_t{channels} * kPairBytes));
+    TagReader in(element, size);
+    const ICCChromaticityType head{in.U32(), in.U32(), in.U16(), in.U16(), nullptr};
+    if (!in.Holds(head.channels, kPairBytes)) return in.Status();
+    *out = head;
+    out->channels = 0;
+    out->coordinates = static_cast<ICCChromaticityCoordinate*>(KT_ALLOC(std::size_t{head.channels} * kPairBytes));
     if (!out->coordinates) return ERR_NO_MEMORY;
-    const std::uint8_t* p = element + kFixedBytes;
-    for (std::uint32_t i = 0; i < channels; ++i, p += kPairBytes) out->coordinates[i] = {Load32(p), Load32(p + 4)};
-    out->channels = channels;
-    return STATUS_OK;
+    for (std::uint32_t i = 0; i < head.channels; ++i) out->coordinates[i] = {in.U32(), in.U32()};
+    out->channels = head.channels;
+    return in.Status();
 }
 
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCChromaticityType*>(record);
-    if (r->coordinates) KT_FREE(r->coordinates);
-    r->coordinates = nullptr;
-}
 
 }  // namespace kt::icc::chrm

@@ -6,7 +6,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
-#include "icc/tag_element_bounds.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -57,27 +57,21 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCColorantTableType*>(host);
     *out = ICCColorantTableType{};
-    if (size < kFixedBytes) return ERR_INVALID_TAG;
-    const std::uint32_t count = Load32(element + 8);
-    if (count > ItemsThatFit(size, kFixedBytes, kEntryBytes)) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->entries = static_cast<ICCColorantEntry*>(KT_ALLOC(std::size_t{count} * kEntryBytes));
+    TagReader in(element, size);
+    const ICCColorantTableType head{in.U32(), in.U32(), in.U32(), nullptr};
+    if (!in.Holds(head.count, kEntryBytes)) return in.Status();
+    out->signature = head.signature;
+    out->reserved = head.reserved;
+    out->entries = static_cast<ICCColorantEntry*>(KT_ALLOC(std::size_t{head.count} * kEntryBytes));
     if (!out->entries) return ERR_NO_MEMORY;
-    const std::uint8_t* p = element + kFixedBytes;
-    for (std::uint32_t i = 0; i < count; ++i, p += kEntryBytes) {
-        std::memcpy(out->entries[i].name, p, sizeof out->entries[i].name);
-        for (int k = 0; k < kPcsValues; ++k) out->entries[i].pcs[k] = Load16(p + 32 + 2 * k);
+    for (std::uint32_t i = 0; i < head.count; ++i) {
+        in.Copy(out->entries[i].name, sizeof out->entries[i].name);
+        for (int k = 0; k < kPcsValues; ++k) out->entries[i].pcs[k] = in.U16();
     }
-    out->count = count;
-    return STATUS_OK;
+    out->count = head.count;
+    return in.Status();
 }
 
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCColorantTableType*>(record);
-    if (r->entries) KT_FREE(r->entries);
-    r->entries = nullptr;
-}
 
 }  // namespace clrt
 
@@ -110,23 +104,18 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCColorantOrderType*>(host);
     *out = ICCColorantOrderType{};
-    if (size < kFixedBytes) return ERR_INVALID_TAG;
-    const std::uint32_t count = Load32(element + 8);
-    if (count > ItemsThatFit(size, kFixedBytes, 1)) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->indices = static_cast<std::uint8_t*>(KT_ALLOC(count));
+    TagReader in(element, size);
+    const ICCColorantOrderType head{in.U32(), in.U32(), in.U32(), nullptr};
+    if (!in.Holds(head.count, 1)) return in.Status();
+    out->signature = head.signature;
+    out->reserved = head.reserved;
+    out->indices = static_cast<std::uint8_t*>(KT_ALLOC(head.count));
     if (!out->indices) return ERR_NO_MEMORY;
-    if (count) std::memcpy(out->indices, element + kFixedBytes, count);
-    out->count = count;
-    return STATUS_OK;
+    in.Copy(out->indices, head.count);
+    out->count = head.count;
+    return in.Status();
 }
 
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCColorantOrderType*>(record);
-    if (r->indices) KT_FREE(r->indices);
-    r->indices = nullptr;
-}
 
 }  // namespace clro
 

@@ -4,6 +4,7 @@
 #include "icc/big_endian.h"
 #include "icc/curve_encoding.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "ktclr/icc_curves.h"
 #include "platform/alloc.h"
@@ -45,19 +46,16 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCCurveType*>(host);
     *out = ICCCurveType{};
-    if (size < kCurveHeadBytes) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->count = Load32(element + 8);
-    const std::uint32_t count = out->count;
-    if (kCurveHeadBytes + std::uint64_t{count} * kCurveEntryBytes > size) return ERR_INVALID_TAG;
-    out->entries = static_cast<std::uint16_t*>(KT_ALLOC(std::size_t{count} * kCurveEntryBytes));
+    TagReader in(element, size);
+    const ICCCurveType head{in.U32(), in.U32(), in.U32(), nullptr};
+    if (!in.ok()) return in.Status();
+    *out = head;
+    if (!in.Holds(head.count, kCurveEntryBytes)) return in.Status();
+    out->entries = static_cast<std::uint16_t*>(KT_ALLOC(std::size_t{head.count} * kCurveEntryBytes));
     if (!out->entries) return ERR_NO_MEMORY;
-    const std::uint8_t* p = element + kCurveHeadBytes;
-    for (std::uint32_t i = 0; i < count; ++i, p += kCurveEntryBytes) out->entries[i] = Load16(p);
-    return STATUS_OK;
+    for (std::uint32_t i = 0; i < head.count; ++i) out->entries[i] = in.U16();
+    return in.Status();
 }
 
-void Release(void* record) noexcept { Vx_ClrIntIccFreeCurveType(static_cast<ICCCurveType*>(record)); }
 
 }  // namespace kt::icc::curv

@@ -5,6 +5,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -49,12 +50,12 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCDataType*>(host);
     *out = ICCDataType{};
-    if (size < kFixedBytes) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->flag = Load32(element + 8);
-    const std::uint8_t* bytes = element + kFixedBytes;
-    std::uint32_t count = size - kFixedBytes;
+    TagReader in(element, size);
+    const ICCDataType head{in.U32(), in.U32(), in.U32(), nullptr, 0};
+    if (!in.ok()) return in.Status();
+    *out = head;
+    auto count = static_cast<std::uint32_t>(in.Remaining());
+    const std::uint8_t* bytes = in.Take(count);
     const bool ascii = out->flag == kAscii;
     if (ascii && count > 0 && bytes[count - 1] == 0) --count;
     out->data = static_cast<std::uint8_t*>(KT_ALLOC(std::size_t{count} + (ascii ? 1 : 0)));
@@ -65,10 +66,5 @@ KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noex
     return STATUS_OK;
 }
 
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCDataType*>(record);
-    if (r->data) KT_FREE(r->data);
-    r->data = nullptr;
-}
 
 }  // namespace kt::icc::data

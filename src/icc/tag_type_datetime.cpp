@@ -4,7 +4,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
-#include "icc/tag_element_bounds.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 
 namespace kt::icc::dtim {
@@ -42,13 +42,14 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCDateTimeType*>(host);
     *out = ICCDateTimeType{};
-    if (size < kElementBytes) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    for (int i = 0; i < kFields; ++i) Fields(out)[i] = Load16(element + kTagTypeHeadBytes + 2 * i);
-    return STATUS_OK;
+    TagReader in(element, size);
+    ICCDateTimeType read{};
+    read.signature = in.U32();
+    read.reserved = in.U32();
+    for (int i = 0; i < kFields; ++i) Fields(&read)[i] = in.U16();
+    if (in.ok()) *out = read;
+    return in.Status();
 }
 
-void Release(void*) noexcept {}
 
 }  // namespace kt::icc::dtim

@@ -9,6 +9,8 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "ktclr/icc_luts.h"
 #include "platform/alloc.h"
@@ -33,8 +35,6 @@ struct LutForm {
 };
 constexpr LutForm kLut16{Sig("mft2"), 2, true};
 constexpr LutForm kLut8{Sig("mft1"), 1, false};
-
-std::uint16_t LoadLittle16(const std::uint8_t* p) noexcept { return static_cast<std::uint16_t>(p[0] | (p[1] << 8)); }
 
 // Entries of the three tables; any count at or above kEntryLimit stands
 // for "too many".
@@ -78,15 +78,14 @@ void* CopyTable(const void* from, std::uint64_t entries, const LutForm& form) no
     return to;
 }
 
-void* ReadTable(const std::uint8_t* from, std::uint64_t entries, const LutForm& form) noexcept {
-    const std::size_t bytes = static_cast<std::size_t>(entries * form.entryBytes);
-    void* to = KT_ALLOC(bytes);
+void* ReadTable(TagReader& in, std::uint64_t entries, const LutForm& form) noexcept {
+    void* to = KT_ALLOC(static_cast<std::size_t>(entries * form.entryBytes));
     if (!to) return nullptr;
     if (form.entryBytes == 1) {
-        if (bytes) std::memcpy(to, from, bytes);
+        in.Copy(to, static_cast<std::size_t>(entries));
     } else {
         auto* out = static_cast<std::uint16_t*>(to);
-        for (std::uint64_t i = 0; i < entries; ++i) out[i] = Load16(from + 2 * i);
+        for (std::uint64_t i = 0; i < entries; ++i) out[i] = in.U16();
     }
     return to;
 }
@@ -139,35 +138,25 @@ void WriteLut(const void* fileOrder, std::uint8_t* element, const LutForm& form)
 KtStatus ParseLut(const std::uint8_t* element, std::uint32_t size, void* host, const LutForm& form) noexcept {
     auto* out = static_cast<ICCLut16*>(host);
     *out = ICCLut16{};
-    if (size < kTablesAt) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->inputChannels = element[kChannelsAt];
-    out->outputChannels = element[kChannelsAt + 1];
-    out->gridPoints = element[kChannelsAt + 2];
-    out->padding = element[kChannelsAt + 3];
-    for (std::uint32_t i = 0; i < kMatrixValues; ++i)
-        out->matrix[i] = static_cast<std::int32_t>(Load32(element + kMatrixAt + 4 * i));
-    const std::uint8_t* counts = element + kEntryCountsAt;
-    out->inputEntries = form.bigEndianCounts ? Load16(counts) : LoadLittle16(counts);
-    out->outputEntries = form.bigEndianCounts ? Load16(counts + 2) : LoadLittle16(counts + 2);
-    const TableSizes sizes = SizesOf(*out);
-    if (sizes.total() * form.entryBytes > size - kTablesAt) return ERR_INVALID_TAG;
-    const std::uint8_t* p = element + kTablesAt;
-    if (!(out->inputTables = ReadTable(p, sizes.input, form))) return ERR_NO_MEMORY;
-    p += sizes.input * form.entryBytes;
-    if (!(out->clut = ReadTable(p, sizes.clut, form))) return ERR_NO_MEMORY;
-    p += sizes.clut * form.entryBytes;
-    if (!(out->outputTables = ReadTable(p, sizes.output, form))) return ERR_NO_MEMORY;
-    return STATUS_OK;
-}
-
-void ReleaseLut(void* record) noexcept {
-    auto* r = static_cast<ICCLut16*>(record);
-    for (void** table : {&r->inputTables, &r->clut, &r->outputTables}) {
-        if (*table) KT_FREE(*table);
-        *table = nullptr;
-    }
+    TagReader in(element, size);
+    ICCLut16 head{};
+    head.signature = in.U32();
+    head.reserved = in.U32();
+    head.inputChannels = in.U8();
+    head.outputChannels = in.U8();
+    head.gridPoints = in.U8();
+    head.padding = in.U8();
+    for (std::int32_t& value : head.matrix) value = in.S32();
+    head.inputEntries = form.bigEndianCounts ? in.U16() : in.Little16();
+    head.outputEntries = form.bigEndianCounts ? in.U16() : in.Little16();
+    if (!in.ok()) return in.Status();
+    *out = head;
+    const TableSizes sizes = SizesOf(head);
+    if (!in.Holds(sizes.total(), form.entryBytes)) return in.Status();
+    if (!(out->inputTables = ReadTable(in, sizes.input, form))) return ERR_NO_MEMORY;
+    if (!(out->clut = ReadTable(in, sizes.clut, form))) return ERR_NO_MEMORY;
+    if (!(out->outputTables = ReadTable(in, sizes.output, form))) return ERR_NO_MEMORY;
+    return in.Status();
 }
 
 }  // namespace
@@ -182,7 +171,6 @@ void ReleaseLut(void* record) noexcept {
     KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {                       \
         return ParseLut(element, size, host, form);                                                              \
     }                                                                                                            \
-    void Release(void* record) noexcept { ReleaseLut(record); }                                                  \
     }
 
 KT_ICC_LUT_CODEC(lut16, kLut16)

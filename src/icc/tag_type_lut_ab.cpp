@@ -13,6 +13,7 @@
 #include "icc/clut.h"
 #include "icc/curve_set.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "ktclr/icc_luts.h"
 #include "platform/alloc.h"
@@ -52,31 +53,34 @@ SetCounts CountsOf(const ICCLutAtoB& r, const AbForm& form) noexcept {
 
 class AbReader {
 public:
-    AbReader(const std::uint8_t* element, std::uint32_t size, ICCLutAtoB* out, SetCounts counts) noexcept
-        : element_(element), size_(size), out_(out), counts_(counts), pool_(out->pool) {}
+    AbReader(TagReader in, ICCLutAtoB* out, SetCounts counts) noexcept
+        : in_(in), out_(out), counts_(counts), pool_(out->pool) {}
 
     // The CLUT and, when present, the A curves behind it.
     KtStatus ClutAndA() noexcept {
-        const std::uint32_t at = out_->offsetCLUT;
-        if (out_->inputChannels > kClutMaxInputs || at > size_ || size_ - at < kClutHeadBytes) return ERR_INVALID_TAG;
-        const std::uint8_t* source = element_ + at;
+        TagReader in = in_;
+        in.Seek(out_->offsetCLUT);
+        const std::uint8_t* source = in.Take(kClutHeadBytes);
+        if (out_->inputChannels > kClutMaxInputs || !source) return ERR_INVALID_TAG;
         const std::uint64_t unpadded = ClutUnpaddedBytes(source, out_->inputChannels, out_->outputChannels);
-        if (unpadded > size_ - at) return ERR_INVALID_TAG;
+        if (!in.Holds(unpadded - kClutHeadBytes, 1)) return ERR_INVALID_TAG;
         const std::uint64_t bytes = ClutBytes(source, out_->inputChannels, out_->outputChannels);
         const std::uint64_t start = pool_.size();
         std::uint8_t* flat = pool_.Grow(bytes);
         if (!flat) return ERR_NO_MEMORY;
-        WriteFlatClut(source, size_ - at, bytes, true, flat);
+        WriteFlatClut(source, kClutHeadBytes + in.Remaining(), bytes, true, flat);
         if (!(out_->clut = pool_.CopyOut(start, bytes))) return ERR_NO_MEMORY;
         return out_->offsetA ? Curves(out_->offsetA, counts_.a, &out_->curvesA) : STATUS_OK;
     }
 
     // The matrix and, when present, the M curves behind it.
     KtStatus MatrixAndM() noexcept {
-        const std::uint32_t at = out_->offsetMatrix;
-        if (at > size_ || size_ - at < kMatrixBytes) return ERR_INVALID_TAG;
-        for (std::uint32_t i = 0; i < kMatrixValues; ++i)
-            out_->matrix[i] = static_cast<std::int32_t>(Load32(element_ + at + 4 * i));
+        TagReader in = in_;
+        in.Seek(out_->offsetMatrix);
+        std::int32_t matrix[kMatrixValues];
+        for (std::int32_t& value : matrix) value = in.S32();
+        if (!in.ok()) return ERR_INVALID_TAG;
+        std::memcpy(out_->matrix, matrix, kMatrixBytes);
         std::uint8_t* room = pool_.Grow(kMatrixBytes);
         if (!room) return ERR_NO_MEMORY;
         std::memcpy(room, out_->matrix, kMatrixBytes);
@@ -91,11 +95,10 @@ public:
 
 private:
     KtStatus Curves(std::uint32_t at, std::uint32_t count, void** copy) noexcept {
-        return ReadCurveSet(element_, size_, at, count, pool_, copy);
+        return ReadCurveSet(in_, at, count, pool_, copy);
     }
 
-    const std::uint8_t* element_;
-    std::uint32_t size_;
+    TagReader in_;
     ICCLutAtoB* out_;
     SetCounts counts_;
     BytePool pool_;
@@ -104,16 +107,19 @@ private:
 KtStatus ParseAb(const std::uint8_t* element, std::uint32_t size, void* host, const AbForm& form) noexcept {
     auto* out = static_cast<ICCLutAtoB*>(host);
     *out = ICCLutAtoB{};
-    if (size < kHeadBytes) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->inputChannels = element[kChannelsAt];
-    out->outputChannels = element[kChannelsAt + 1];
-    out->reserved2 = Load16(element + kReserved2At);
-    std::uint32_t* offsets[] = {&out->offsetB, &out->offsetMatrix, &out->offsetM, &out->offsetCLUT, &out->offsetA};
-    for (std::uint32_t i = 0; i < 5; ++i) *offsets[i] = Load32(element + kOffsetsAt + 4 * i);
+    TagReader in(element, size);
+    ICCLutAtoB head{};
+    head.signature = in.U32();
+    head.reserved = in.U32();
+    head.inputChannels = in.U8();
+    head.outputChannels = in.U8();
+    head.reserved2 = in.U16();
+    for (std::uint32_t* offset : {&head.offsetB, &head.offsetMatrix, &head.offsetM, &head.offsetCLUT, &head.offsetA})
+        *offset = in.U32();
+    if (!in.ok()) return in.Status();
+    *out = head;
 
-    AbReader read(element, size, out, CountsOf(*out, form));
+    AbReader read(in, out, CountsOf(*out, form));
     KtStatus st = STATUS_OK;
     if (form.aToB) {
         if (out->offsetCLUT)
@@ -231,16 +237,6 @@ void WriteAb(const void* fileOrder, std::uint8_t* element, const AbForm& form) n
     if (poolBytes) std::memcpy(element + kHeadBytes, r->pool, static_cast<std::size_t>(poolBytes));
 }
 
-void ReleaseAb(void* record) noexcept {
-    auto* r = static_cast<ICCLutAtoB*>(record);
-    if (r->pool) KT_FREE(r->pool);
-    r->pool = nullptr;
-    for (void** part : {&r->curvesB, &r->curvesM, &r->curvesA, &r->clut}) {
-        if (*part) KT_FREE(*part);
-        *part = nullptr;
-    }
-}
-
 }  // namespace
 
 #define KT_ICC_LUT_AB_CODEC(name, form)                                                                         \
@@ -253,7 +249,6 @@ void ReleaseAb(void* record) noexcept {
     KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {                      \
         return ParseAb(element, size, host, form);                                                              \
     }                                                                                                           \
-    void Release(void* record) noexcept { ReleaseAb(record); }                                                  \
     }
 
 KT_ICC_LUT_AB_CODEC(lut_atob, kAtoB)

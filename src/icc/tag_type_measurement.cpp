@@ -6,6 +6,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 
 namespace kt::icc {
@@ -43,11 +44,13 @@ template <class Record>
 KtStatus ParseWords(const std::uint8_t* element, std::uint32_t size, void* host) {
     auto* out = static_cast<Record*>(host);
     *out = Record{};
-    if (size < kElementBytes) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    for (std::uint32_t i = 0; i < kWords; ++i) Words(out)[i] = Load32(element + kTagTypeHeadBytes + 4 * i);
-    return STATUS_OK;
+    TagReader in(element, size);
+    Record read{};
+    read.signature = in.U32();
+    read.reserved = in.U32();
+    for (std::uint32_t i = 0; i < kWords; ++i) Words(&read)[i] = in.U32();
+    if (in.ok()) *out = read;
+    return in.Status();
 }
 
 }  // namespace
@@ -65,7 +68,6 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept { Write
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     return ParseWords<ICCMeasurementType>(element, size, host);
 }
-void Release(void*) noexcept {}
 
 }  // namespace meas
 
@@ -80,7 +82,6 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept { Write
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     return ParseWords<ICCViewingConditionsType>(element, size, host);
 }
-void Release(void*) noexcept {}
 
 }  // namespace view
 

@@ -10,7 +10,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
-#include "icc/tag_element_bounds.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -76,66 +76,55 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
     if (poolBytes) std::memcpy(element + kFixedBytes + count * kRecordBytes, r.strings, poolBytes);
 }
 
-KtStatus ParseEmbedded(const std::uint8_t* element, std::uint32_t available, ICCMultiLocalizedUnicodeType* out,
-                       std::uint32_t* used) noexcept {
+KtStatus ParseEmbedded(TagReader in, ICCMultiLocalizedUnicodeType* out, std::uint32_t* used) noexcept {
     *out = ICCMultiLocalizedUnicodeType{};
-    if (available < kFixedBytes) return ERR_INVALID_TAG;
-    const std::uint32_t count = Load32(element + 8);
-    const std::uint32_t recordSize = Load32(element + 12);
-    if (recordSize != kRecordBytes || count > ItemsThatFit(available, kFixedBytes, kRecordBytes))
-        return ERR_INVALID_TAG;
+    const ICCMultiLocalizedUnicodeType head{in.U32(), in.U32(), in.U32(), in.U32(), nullptr, nullptr};
+    if (!in.ok() || head.recordSize != kRecordBytes || !in.Holds(head.count, kRecordBytes)) return ERR_INVALID_TAG;
     // Strings lie behind the name records, on 16-bit units.
-    const std::uint32_t stringsStart = kFixedBytes + kRecordBytes * count;
+    const std::uint32_t stringsStart = kFixedBytes + kRecordBytes * head.count;
+    const TagReader records = in;
     std::uint64_t poolBytes = 0;
-    std::uint32_t end = stringsStart;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint8_t* r = element + kFixedBytes + kRecordBytes * i;
-        const std::uint32_t length = Load32(r + 4);
-        const std::uint32_t offset = Load32(r + 8);
-        if (length % 2 || offset % 2 || offset < stringsStart || !Inside(available, offset, length))
-            return ERR_INVALID_TAG;
+    std::uint64_t end = stringsStart;
+    for (std::uint32_t i = 0; i < head.count; ++i) {
+        in.Skip(4);
+        const std::uint32_t length = in.U32();
+        const std::uint32_t offset = in.U32();
+        TagReader string = in;
+        string.Seek(offset);
+        string.Skip(length);
+        if (length % 2 || offset % 2 || offset < stringsStart || !string.ok()) return ERR_INVALID_TAG;
         poolBytes += length;
-        if (offset + length > end) end = offset + length;
+        if (string.Position() > end) end = string.Position();
     }
     // Strings that share bytes in the element get a copy each.
     if (stringsStart + poolBytes > UINT32_MAX) return ERR_INVALID_TAG;
 
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->count = count;
-    out->recordSize = recordSize;
-    *used = end;
-    if (count == 0) return STATUS_OK;
-    out->records = static_cast<ICCMlucNameRecord*>(KT_ALLOC(std::size_t{count} * kRecordBytes));
+    *out = head;
+    out->records = nullptr;
+    out->strings = nullptr;
+    *used = static_cast<std::uint32_t>(end);
+    if (head.count == 0) return STATUS_OK;
+    out->records = static_cast<ICCMlucNameRecord*>(KT_ALLOC(std::size_t{head.count} * kRecordBytes));
+    if (!out->records) return ERR_NO_MEMORY;
     out->strings = static_cast<KtChar16*>(KT_ALLOC(poolBytes));
-    if (!out->records || !out->strings) {
-        Release(out);
-        return ERR_NO_MEMORY;
-    }
+    if (!out->strings) return ERR_NO_MEMORY;
     std::uint32_t position = stringsStart;
     KtChar16* unit = out->strings;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint8_t* r = element + kFixedBytes + kRecordBytes * i;
-        const std::uint32_t length = Load32(r + 4);
-        const std::uint8_t* string = element + Load32(r + 8);
-        out->records[i] = {Load16(r), Load16(r + 2), length, position};
-        for (std::uint32_t k = 0; k < length; k += 2) *unit++ = Load16(string + k);
-        position += length;
+    in = records;
+    for (std::uint32_t i = 0; i < head.count; ++i) {
+        const ICCMlucNameRecord r{in.U16(), in.U16(), in.U32(), in.U32()};
+        out->records[i] = {r.language, r.country, r.length, position};
+        TagReader string = in;
+        string.Seek(r.offset);
+        for (std::uint32_t k = 0; k < r.length; k += 2) *unit++ = string.U16();
+        position += r.length;
     }
     return STATUS_OK;
 }
 
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     std::uint32_t used = 0;
-    return ParseEmbedded(element, size, static_cast<ICCMultiLocalizedUnicodeType*>(host), &used);
-}
-
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCMultiLocalizedUnicodeType*>(record);
-    if (r->records) KT_FREE(r->records);
-    if (r->strings) KT_FREE(r->strings);
-    r->records = nullptr;
-    r->strings = nullptr;
+    return ParseEmbedded(TagReader(element, size), static_cast<ICCMultiLocalizedUnicodeType*>(host), &used);
 }
 
 }  // namespace kt::icc::mluc

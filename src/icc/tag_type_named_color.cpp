@@ -2,14 +2,15 @@
 // 32-byte prefix and suffix, then per colour a 32-byte root name, three
 // 16-bit PCS values and the device values. Creating keeps only the upper
 // half of the vendor flags and copies the PCS values as they stand (only
-// the device values are turned big-endian): files written by the toolkit
-// have always carried them so. Parsing reads everything big-endian.
+// the device values are turned big-endian), so a created colour reads back
+// with its PCS bytes swapped; the 'ncl2' sample of tests/icc/tag_samples.h
+// pins the bytes. Parsing reads everything big-endian.
 #include <cstddef>
 #include <cstring>
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
-#include "icc/tag_element_bounds.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -80,46 +81,26 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCNamedColor2Type*>(host);
     *out = ICCNamedColor2Type{};
-    if (size < kFixedBytes) return ERR_INVALID_TAG;
-    const std::uint32_t count = Load32(element + 12);
-    const std::uint32_t coordinates = Load32(element + 16);
-    const std::uint64_t colourBytes = ColourBytes(coordinates);
-    if (count > ItemsThatFit(size, kFixedBytes, colourBytes)) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->vendorFlags = Load32(element + 8);
-    out->deviceCoordinates = coordinates;
-    std::memcpy(out->prefix, element + 20, sizeof out->prefix);
-    std::memcpy(out->suffix, element + 52, sizeof out->suffix);
-    out->entries = static_cast<ICCNamedColor2Entry*>(KT_ALLOC_ZERO(std::size_t{count} * sizeof(ICCNamedColor2Entry)));
+    TagReader in(element, size);
+    ICCNamedColor2Type head{in.U32(), in.U32(), in.U32(), in.U32(), in.U32(), {}, {}, nullptr};
+    in.Copy(head.prefix, sizeof head.prefix);
+    in.Copy(head.suffix, sizeof head.suffix);
+    const std::uint32_t coordinates = head.deviceCoordinates;
+    if (!in.Holds(head.count, ColourBytes(coordinates))) return in.Status();
+    *out = head;
+    out->count = 0;
+    out->entries = static_cast<ICCNamedColor2Entry*>(KT_ALLOC_ZERO(std::size_t{head.count} * sizeof(ICCNamedColor2Entry)));
     if (!out->entries) return ERR_NO_MEMORY;
-    out->count = count;
-    const std::uint8_t* p = element + kFixedBytes;
-    for (std::uint32_t i = 0; i < count; ++i, p += colourBytes) {
+    out->count = head.count;
+    for (std::uint32_t i = 0; i < head.count; ++i) {
         ICCNamedColor2Entry& to = out->entries[i];
-        std::memcpy(to.rootName, p, kNameBytes);
-        for (int k = 0; k < kPcsValues; ++k) to.pcs[k] = Load16(p + kNameBytes + 2 * k);
+        in.Copy(to.rootName, kNameBytes);
+        for (int k = 0; k < kPcsValues; ++k) to.pcs[k] = in.U16();
         to.device = static_cast<std::uint16_t*>(KT_ALLOC(std::size_t{coordinates} * 2));
-        if (!to.device) {
-            Release(out);
-            return ERR_NO_MEMORY;
-        }
-        for (std::uint32_t k = 0; k < coordinates; ++k) to.device[k] = Load16(p + kNameBytes + kPcsBytes + 2 * k);
+        if (!to.device) return ERR_NO_MEMORY;
+        for (std::uint32_t k = 0; k < coordinates; ++k) to.device[k] = in.U16();
     }
-    return STATUS_OK;
-}
-
-// A record of either order: the count word tells which by the signature.
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCNamedColor2Type*>(record);
-    if (!r->entries) return;
-    const std::uint32_t count = NativeCount(r->signature, Sig("ncl2"), r->count);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (r->entries[i].device) KT_FREE(r->entries[i].device);
-        r->entries[i].device = nullptr;
-    }
-    KT_FREE(r->entries);
-    r->entries = nullptr;
+    return in.Status();
 }
 
 }  // namespace kt::icc::ncl2

@@ -6,6 +6,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -23,11 +24,11 @@ void StoreBig(std::uint8_t* p, T v) noexcept {
 }
 
 template <class T>
-T LoadBig(const std::uint8_t* p) noexcept {
-    if constexpr (sizeof(T) == 1) return static_cast<T>(*p);
-    if constexpr (sizeof(T) == 2) return static_cast<T>(Load16(p));
-    if constexpr (sizeof(T) == 4) return static_cast<T>(Load32(p));
-    if constexpr (sizeof(T) == 8) return static_cast<T>(Load64(p));
+T ReadBig(TagReader& in) noexcept {
+    if constexpr (sizeof(T) == 1) return static_cast<T>(in.U8());
+    if constexpr (sizeof(T) == 2) return static_cast<T>(in.U16());
+    if constexpr (sizeof(T) == 4) return static_cast<T>(in.U32());
+    if constexpr (sizeof(T) == 8) return static_cast<T>(in.U64());
 }
 
 template <class Record, std::uint32_t kType>
@@ -63,22 +64,17 @@ struct NumberArray {
     static KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
         auto* out = static_cast<Record*>(host);
         *out = Record{};
-        const std::uint32_t count = (size - kTagTypeHeadBytes) / kBytes;
-        out->signature = Load32(element);
-        out->reserved = Load32(element + 4);
+        TagReader in(element, size);
+        out->signature = in.U32();
+        out->reserved = in.U32();
+        const auto count = static_cast<std::uint32_t>(in.Remaining() / kBytes);
         out->values = static_cast<Value*>(KT_ALLOC(std::size_t{count} * kBytes));
         if (!out->values) return ERR_NO_MEMORY;
-        const std::uint8_t* p = element + kTagTypeHeadBytes;
-        for (std::uint32_t i = 0; i < count; ++i, p += kBytes) out->values[i] = LoadBig<Value>(p);
+        for (std::uint32_t i = 0; i < count; ++i) out->values[i] = ReadBig<Value>(in);
         out->count = count;
-        return STATUS_OK;
+        return in.Status();
     }
 
-    static void Release(void* record) noexcept {
-        auto* r = static_cast<Record*>(record);
-        if (r->values) KT_FREE(r->values);
-        r->values = nullptr;
-    }
 };
 
 }  // namespace
@@ -96,7 +92,6 @@ struct NumberArray {
     KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {          \
         return Codec::Parse(element, size, host);                                                   \
     }                                                                                               \
-    void Release(void* record) noexcept { Codec::Release(record); }                                 \
     }
 
 KT_ICC_NUMBER_ARRAY_CODEC(sf32, ICCS15Fixed16ArrayType, "sf32")

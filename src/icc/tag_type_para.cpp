@@ -4,6 +4,7 @@
 #include "icc/big_endian.h"
 #include "icc/curve_encoding.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "ktclr/icc_curves.h"
 #include "platform/alloc.h"
@@ -45,22 +46,17 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCParametricCurveType*>(host);
     *out = ICCParametricCurveType{};
-    if (size < kCurveHeadBytes) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->functionType = Load16(element + 8);
-    out->reserved2 = Load16(element + 10);
-    const std::uint32_t n = ParameterCount(out->functionType);
-    if (n == 0 || kCurveHeadBytes + std::uint64_t{n} * kParameterBytes > size) return ERR_INVALID_TAG;
+    TagReader in(element, size);
+    const ICCParametricCurveType head{in.U32(), in.U32(), in.U16(), in.U16(), nullptr};
+    if (!in.ok()) return in.Status();
+    *out = head;
+    const std::uint32_t n = ParameterCount(head.functionType);
+    if (n == 0 || !in.Holds(n, kParameterBytes)) return ERR_INVALID_TAG;
     out->parameters = static_cast<std::int32_t*>(KT_ALLOC(std::size_t{n} * kParameterBytes));
     if (!out->parameters) return ERR_NO_MEMORY;
-    const std::uint8_t* p = element + kCurveHeadBytes;
-    for (std::uint32_t i = 0; i < n; ++i, p += kParameterBytes) out->parameters[i] = static_cast<std::int32_t>(Load32(p));
-    return STATUS_OK;
+    for (std::uint32_t i = 0; i < n; ++i) out->parameters[i] = in.S32();
+    return in.Status();
 }
 
-void Release(void* record) noexcept {
-    Vx_ClrIntIccFreeParametricCurveType(static_cast<ICCParametricCurveType*>(record));
-}
 
 }  // namespace kt::icc::para

@@ -1,14 +1,15 @@
 // 'pseq': a count, then per profile its manufacturer and model signatures,
 // its 64-bit attributes, its technology and two embedded 'mluc' tags (the
 // manufacturer's and the model's description). Creating copies the
-// attributes as they stand, as the toolkit always has; parsing reads them
-// big-endian.
+// attributes as they stand in memory while parsing reads them big-endian,
+// so they come back with their bytes swapped (the 'pseq' sample of
+// tests/icc/tag_samples.h pins the bytes).
 #include <cstring>
 #include <initializer_list>
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
-#include "icc/tag_element_bounds.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_type_mluc.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
@@ -30,29 +31,27 @@ KtStatus CreateDescription(const ICCProfileDescription& in, ICCProfileDescriptio
     return made == STATUS_OK ? mluc::Create(&in.model, Sig("mluc"), &out->model) : made;
 }
 
-KtStatus ParseDescription(const std::uint8_t* element, std::uint32_t size, std::uint32_t* position,
-                          ICCProfileDescription* out) {
-    const std::uint8_t* p = element + *position;
-    if (!Inside(size, *position, kDescriptionBytes)) return ERR_INVALID_TAG;
-    out->deviceManufacturer = Load32(p);
-    out->deviceModel = Load32(p + 4);
-    out->deviceAttributes = Load64(p + 8);
-    out->technology = Load32(p + 16);
-    *position += kDescriptionBytes;
+// Reads one description and its two 'mluc' tags, which follow each other
+// without padding.
+KtStatus ParseDescription(TagReader& in, ICCProfileDescription* out) {
+    out->deviceManufacturer = in.U32();
+    out->deviceModel = in.U32();
+    out->deviceAttributes = in.U64();
+    out->technology = in.U32();
     for (ICCMultiLocalizedUnicodeType* text : {&out->manufacturer, &out->model}) {
-        if (!Inside(size, *position, kTagTypeHeadBytes) || Load32(element + *position) != Sig("mluc"))
-            return ERR_INVALID_TAG;
+        TagReader embedded = in.Rest();
+        if (embedded.U32() != Sig("mluc") || !embedded.ok()) return ERR_INVALID_TAG;
         std::uint32_t used = 0;
-        const KtStatus parsed = mluc::ParseEmbedded(element + *position, size - *position, text, &used);
+        const KtStatus parsed = mluc::ParseEmbedded(in.Rest(), text, &used);
         if (parsed != STATUS_OK) return parsed;
-        *position += used;
+        in.Skip(used);
     }
-    return STATUS_OK;
+    return in.Status();
 }
 
 }  // namespace
 
-// Descriptions already made stay in the record on a failure, for Release.
+// Descriptions already made stay in the record on a failure, for the release.
 KtStatus Create(const void* host, std::uint32_t, void* fileOrder) noexcept {
     const ICCProfileSequenceDescType in = *static_cast<const ICCProfileSequenceDescType*>(host);
     auto* out = static_cast<ICCProfileSequenceDescType*>(fileOrder);
@@ -100,36 +99,20 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCProfileSequenceDescType*>(host);
     *out = ICCProfileSequenceDescType{};
-    if (size < kFixedBytes) return ERR_INVALID_TAG;
-    const std::uint32_t count = Load32(element + 8);
-    if (count > ItemsThatFit(size, kFixedBytes, kDescriptionBytes + 2 * kSmallestMluc)) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
+    TagReader in(element, size);
+    const ICCProfileSequenceDescType head{in.U32(), in.U32(), in.U32(), nullptr};
+    if (!in.Holds(head.count, kDescriptionBytes + 2 * kSmallestMluc)) return in.Status();
+    out->signature = head.signature;
+    out->reserved = head.reserved;
     out->descriptions =
-        static_cast<ICCProfileDescription*>(KT_ALLOC_ZERO(std::size_t{count} * sizeof(ICCProfileDescription)));
+        static_cast<ICCProfileDescription*>(KT_ALLOC_ZERO(std::size_t{head.count} * sizeof(ICCProfileDescription)));
     if (!out->descriptions) return ERR_NO_MEMORY;
-    out->count = count;
-    std::uint32_t position = kFixedBytes;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const KtStatus parsed = ParseDescription(element, size, &position, &out->descriptions[i]);
-        if (parsed != STATUS_OK) {
-            Release(out);
-            return parsed;
-        }
+    out->count = head.count;
+    for (std::uint32_t i = 0; i < head.count; ++i) {
+        const KtStatus parsed = ParseDescription(in, &out->descriptions[i]);
+        if (parsed != STATUS_OK) return parsed;
     }
     return STATUS_OK;
-}
-
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCProfileSequenceDescType*>(record);
-    if (!r->descriptions) return;
-    const std::uint32_t count = NativeCount(r->signature, Sig("pseq"), r->count);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        mluc::Release(&r->descriptions[i].manufacturer);
-        mluc::Release(&r->descriptions[i].model);
-    }
-    KT_FREE(r->descriptions);
-    r->descriptions = nullptr;
 }
 
 }  // namespace kt::icc::pseq

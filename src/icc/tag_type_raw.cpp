@@ -4,6 +4,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -42,21 +43,17 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCRawTagType*>(host);
-    const std::uint32_t count = size - kTagTypeHeadBytes;
-    out->typeSignature = Load32(element);
-    out->reservedWord = Load32(element + 4);
+    TagReader in(element, size);
+    out->typeSignature = in.U32();
+    out->reservedWord = in.U32();
+    const auto count = static_cast<std::uint32_t>(in.Remaining());
     out->byteCount = 0;
     out->bytes = static_cast<std::uint8_t*>(KT_ALLOC(count));
     if (!out->bytes) return ERR_NO_MEMORY;
-    if (count) std::memcpy(out->bytes, element + kTagTypeHeadBytes, count);
+    in.Copy(out->bytes, count);
     out->byteCount = count;
-    return STATUS_OK;
+    return in.Status();
 }
 
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCRawTagType*>(record);
-    if (r->bytes) KT_FREE(r->bytes);
-    r->bytes = nullptr;
-}
 
 }  // namespace kt::icc::raw

@@ -9,7 +9,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
-#include "icc/tag_element_bounds.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -24,8 +24,6 @@ constexpr std::uint32_t kPerChannelBytes = 4 + 12;  // measurement count and XYZ
 constexpr std::uint32_t kResponseBytes = 8;
 static_assert(sizeof(ICCResponse16Number) == kResponseBytes && sizeof(ICCXYZNumber) == 12,
               "responses and XYZ numbers are laid out as encoded");
-
-bool IsFileOrder(const ICCResponseCurveSet16Type& r) { return r.signature == FileOrder32(Sig("rcs2")); }
 
 std::uint64_t Responses(const std::uint32_t* counts, std::uint32_t channels, bool fileOrder) {
     std::uint64_t sum = 0;
@@ -61,38 +59,36 @@ KtStatus CreateCurve(const ICCResponseCurve& in, std::uint32_t channels, ICCResp
     return STATUS_OK;
 }
 
-// Reads the structure at `offset`; every part is checked against `size`
-// before anything is allocated for it.
-KtStatus ParseCurve(const std::uint8_t* element, std::uint32_t size, std::uint32_t offset, std::uint32_t channels,
-                    ICCResponseCurve* out) {
-    const std::uint64_t countsAt = std::uint64_t{offset} + kUnitBytes;
-    const std::uint64_t xyzAt = countsAt + 4 * std::uint64_t{channels};
-    const std::uint64_t responsesAt = countsAt + std::uint64_t{kPerChannelBytes} * channels;
-    if (!Inside(size, offset, responsesAt - offset)) return ERR_INVALID_TAG;
+// Reads the structure at `offset`; the counts are checked against what lies
+// ahead before anything is allocated for them.
+KtStatus ParseCurve(TagReader in, std::uint32_t offset, std::uint32_t channels, ICCResponseCurve* out) {
+    in.Seek(offset);
+    const std::uint32_t unit = in.U32();
+    const TagReader counts = in;
+    in.Skip(std::uint64_t{kPerChannelBytes} * channels);
+    if (!in.ok()) return ERR_INVALID_TAG;
+    const TagReader xyz = in;
+    in = counts;
     std::uint64_t responses = 0;
-    for (std::uint32_t c = 0; c < channels; ++c) responses += Load32(element + countsAt + 4 * c);
-    if (responses > ItemsThatFit(size, responsesAt, kResponseBytes)) return ERR_INVALID_TAG;
+    for (std::uint32_t c = 0; c < channels; ++c) responses += in.U32();
+    in = xyz;
+    if (!in.Holds(responses, kResponseBytes)) return ERR_INVALID_TAG;
 
-    out->measurementUnit = Load32(element + offset);
+    out->measurementUnit = unit;
     out->measurementCounts = static_cast<std::uint32_t*>(KT_ALLOC(std::size_t{channels} * 4));
     out->maximumColorant = static_cast<ICCXYZNumber*>(KT_ALLOC(std::size_t{channels} * sizeof(ICCXYZNumber)));
     out->responses = static_cast<ICCResponse16Number*>(KT_ALLOC(responses * kResponseBytes));
     if (!out->measurementCounts || !out->maximumColorant || !out->responses) return ERR_NO_MEMORY;
-    for (std::uint32_t c = 0; c < channels; ++c) {
-        out->measurementCounts[c] = Load32(element + countsAt + 4 * c);
-        const std::uint8_t* xyz = element + xyzAt + 12 * c;
-        out->maximumColorant[c] = {static_cast<std::int32_t>(Load32(xyz)), static_cast<std::int32_t>(Load32(xyz + 4)),
-                                   static_cast<std::int32_t>(Load32(xyz + 8))};
-    }
-    const std::uint8_t* p = element + responsesAt;
-    for (std::uint64_t k = 0; k < responses; ++k, p += kResponseBytes)
-        out->responses[k] = {Load16(p), Load16(p + 2), static_cast<std::int32_t>(Load32(p + 4))};
-    return STATUS_OK;
+    in = counts;
+    for (std::uint32_t c = 0; c < channels; ++c) out->measurementCounts[c] = in.U32();
+    for (std::uint32_t c = 0; c < channels; ++c) out->maximumColorant[c] = {in.S32(), in.S32(), in.S32()};
+    for (std::uint64_t k = 0; k < responses; ++k) out->responses[k] = {in.U16(), in.U16(), in.S32()};
+    return in.Status();
 }
 
 }  // namespace
 
-// Curves already made stay in the record on a failure, for Release.
+// Curves already made stay in the record on a failure, for the release.
 KtStatus Create(const void* host, std::uint32_t, void* fileOrder) noexcept {
     const ICCResponseCurveSet16Type in = *static_cast<const ICCResponseCurveSet16Type*>(host);
     auto* out = static_cast<ICCResponseCurveSet16Type*>(fileOrder);
@@ -141,43 +137,25 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
     }
 }
 
+// Curves already read stay in the record on a failure, as in every parse.
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCResponseCurveSet16Type*>(host);
     *out = ICCResponseCurveSet16Type{};
-    if (size < kFixedBytes) return ERR_INVALID_TAG;
-    const std::uint16_t channels = Load16(element + 8);
-    const std::uint16_t count = Load16(element + 10);
-    if (count > ItemsThatFit(size, kFixedBytes, kOffsetBytes)) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->channels = channels;
-    out->curves = static_cast<ICCResponseCurve*>(KT_ALLOC_ZERO(std::size_t{count} * sizeof(ICCResponseCurve)));
+    TagReader in(element, size);
+    const ICCResponseCurveSet16Type head{in.U32(), in.U32(), in.U16(), in.U16(), nullptr};
+    if (!in.Holds(head.count, kOffsetBytes)) return ERR_INVALID_TAG;
+    out->signature = head.signature;
+    out->reserved = head.reserved;
+    out->channels = head.channels;
+    out->curves = static_cast<ICCResponseCurve*>(KT_ALLOC_ZERO(std::size_t{head.count} * sizeof(ICCResponseCurve)));
     if (!out->curves) return ERR_NO_MEMORY;
-    out->count = count;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint32_t offset = Load32(element + kFixedBytes + kOffsetBytes * i);
-        const KtStatus parsed = ParseCurve(element, size, offset, channels, &out->curves[i]);
-        if (parsed != STATUS_OK) {
-            Release(out);
-            return parsed;
-        }
+    out->count = head.count;
+    for (std::uint32_t i = 0; i < head.count; ++i) {
+        const std::uint32_t offset = in.U32();
+        const KtStatus parsed = ParseCurve(in, offset, head.channels, &out->curves[i]);
+        if (parsed != STATUS_OK) return parsed;
     }
     return STATUS_OK;
-}
-
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCResponseCurveSet16Type*>(record);
-    if (!r->curves) return;
-    const std::uint32_t count = IsFileOrder(*r) ? FileOrder16(r->count) : r->count;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        ICCResponseCurve& curve = r->curves[i];
-        if (curve.measurementCounts) KT_FREE(curve.measurementCounts);
-        if (curve.maximumColorant) KT_FREE(curve.maximumColorant);
-        if (curve.responses) KT_FREE(curve.responses);
-        curve = ICCResponseCurve{};
-    }
-    KT_FREE(r->curves);
-    r->curves = nullptr;
 }
 
 }  // namespace kt::icc::rcs2

@@ -4,6 +4,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 
 namespace kt::icc::sig {
@@ -52,13 +53,11 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCSignatureType*>(host);
     *out = ICCSignatureType{};
-    if (size < kElementBytes) return ERR_INVALID_TAG;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    out->value = Load32(element + 8);
-    return STATUS_OK;
+    TagReader in(element, size);
+    const ICCSignatureType read{in.U32(), in.U32(), in.U32()};
+    if (in.ok()) *out = read;
+    return in.Status();
 }
 
-void Release(void*) noexcept {}
 
 }  // namespace kt::icc::sig

@@ -1,11 +1,13 @@
 // 'text'. Creating counts the caller's UTF-16 units but copies that many
-// bytes plus one, so "AB" is stored as 41 00 42: kept as the toolkit has
-// always written it. Parsing reads the stored bytes as the ASCII string the
-// format describes, up to its terminator, and widens them to UTF-16.
+// bytes plus one, so "AB" is stored as 41 00 42 and only Latin text of one
+// character survives a round trip (TagQuirks.TextCopiesBytesNotUnits).
+// Parsing reads the stored bytes as the ASCII string the format describes,
+// up to its terminator, and widens them to UTF-16.
 #include <cstring>
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -45,10 +47,11 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCTextType*>(host);
     *out = ICCTextType{};
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
-    const std::uint8_t* chars = element + kTagTypeHeadBytes;
-    const std::uint32_t available = size - kTagTypeHeadBytes;
+    TagReader in(element, size);
+    out->signature = in.U32();
+    out->reserved = in.U32();
+    const auto available = static_cast<std::uint32_t>(in.Remaining());
+    const std::uint8_t* chars = in.Take(available);
     std::uint32_t length = 0;
     while (length < available && chars[length] != 0) ++length;
     auto* units = static_cast<KtChar16*>(KT_ALLOC((std::size_t{length} + 1) * sizeof(KtChar16)));
@@ -57,13 +60,8 @@ KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noex
     units[length] = 0;
     out->text = units;
     out->count = length;
-    return STATUS_OK;
+    return in.Status();
 }
 
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCTextType*>(record);
-    if (r->text) KT_FREE(r->text);
-    r->text = nullptr;
-}
 
 }  // namespace kt::icc::text

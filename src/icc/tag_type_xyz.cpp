@@ -3,6 +3,7 @@
 
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
+#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "platform/alloc.h"
 
@@ -45,25 +46,16 @@ void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept {
 
 KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {
     auto* out = static_cast<ICCXYZType*>(host);
-    const std::uint32_t count = (size - kTagTypeHeadBytes) / kNumberBytes;
-    out->signature = Load32(element);
-    out->reserved = Load32(element + 4);
+    TagReader in(element, size);
+    out->signature = in.U32();
+    out->reserved = in.U32();
+    const auto count = static_cast<std::uint32_t>(in.Remaining() / kNumberBytes);
     out->count = count;
     out->values = static_cast<ICCXYZNumber*>(KT_ALLOC(std::size_t{count} * kNumberBytes));
     if (!out->values) return ERR_NO_MEMORY;
-    const std::uint8_t* p = element + kTagTypeHeadBytes;
-    for (std::uint32_t i = 0; i < count; ++i, p += kNumberBytes) {
-        out->values[i].X = static_cast<std::int32_t>(Load32(p));
-        out->values[i].Y = static_cast<std::int32_t>(Load32(p + 4));
-        out->values[i].Z = static_cast<std::int32_t>(Load32(p + 8));
-    }
-    return STATUS_OK;
+    for (std::uint32_t i = 0; i < count; ++i) out->values[i] = {in.S32(), in.S32(), in.S32()};
+    return in.Status();
 }
 
-void Release(void* record) noexcept {
-    auto* r = static_cast<ICCXYZType*>(record);
-    if (r->values) KT_FREE(r->values);
-    r->values = nullptr;
-}
 
 }  // namespace kt::icc::xyz

@@ -1,11 +1,12 @@
 // Tag types by signature. Each row of one table names the codec of a type:
 // how a host-order record becomes a file-order record (create), how that
 // record is laid out as a tag element (elementSize, writeElement), how an
-// element becomes a host-order record (parse) and how a record's buffers are
-// released (release). A type without a row takes the raw path.
+// element becomes a host-order record (parse) and which pointer fields of
+// the record own memory (owned), from which ReleaseRecord frees a record of
+// either order. A type without a row takes the raw path.
 //
-// Adding a type: write its functions (tag_type_<name>.cpp), declare them in
-// tag_codecs.h and add one row to the table in tag_types.cpp.
+// Adding a type: write its four functions (tag_type_<name>.cpp), declare
+// them in tag_codecs.h and add one row to the table in tag_types.cpp.
 #pragma once
 
 #include <cstddef>
@@ -22,6 +23,29 @@ inline constexpr std::uint32_t kTagTypeHeadBytes = 8;
 // this size.
 inline constexpr std::size_t kMaxTagRecordBytes = 256;
 
+// A pointer field that a record owns. When the array it points to holds
+// structures that own pointers themselves, `inner` lists their offsets and
+// `countAt` names the record's element count (`countBytes` 2 or 4, native
+// in a host-order record, big-endian in a file-order one).
+struct OwnedField {
+    std::uint16_t at;
+    std::uint16_t countAt = 0;
+    std::uint8_t countBytes = 0;
+    std::uint16_t stride = 0;
+    std::uint8_t innerCount = 0;
+    std::uint16_t inner[4] = {};
+};
+
+struct OwnedFields {
+    OwnedField fields[5];
+    std::uint8_t count;
+};
+
+template <class... F>
+constexpr OwnedFields Owns(F... fields) {
+    return OwnedFields{{fields...}, sizeof...(F)};
+}
+
 struct TagTypeCodec {
     std::uint32_t typeSignature;
     // Bytes of the record, at most kMaxTagRecordBytes.
@@ -37,13 +61,16 @@ struct TagTypeCodec {
     // Writes exactly elementSize bytes.
     void (*writeElement)(const void* fileOrder, std::uint8_t* element) noexcept;
     // The `size` bytes of an element (at least the 8-byte head) to a
-    // host-order record. Reads nothing past `size`: a body too short for
-    // what it declares is ERR_INVALID_TAG.
+    // host-order record, through a TagReader: a body too short for what
+    // it declares is ERR_INVALID_TAG. Whatever it allocated before a
+    // failure stays in the record for ReleaseRecord.
     KtStatus (*parse)(const std::uint8_t* element, std::uint32_t size, void* host) noexcept;
-    // Releases what a record of either order owns and nulls the pointers;
-    // null for types that own nothing.
-    void (*release)(void* record) noexcept;
+    OwnedFields owned;
 };
+
+// Frees what a record of `codec`'s type owns, in either byte order (its
+// signature field tells which), and nulls the pointers.
+void ReleaseRecord(const TagTypeCodec& codec, void* record) noexcept;
 
 // The codec of a type signature, or null for the raw path.
 const TagTypeCodec* FindTagTypeCodec(std::uint32_t typeSignature) noexcept;

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 
+#include "platform/file_faults.h"
 #include "platform/utf16.h"
 
 namespace kt::file {
@@ -55,6 +56,7 @@ void File::Close() noexcept {
 }
 
 std::int64_t File::Read(void* buffer, std::size_t size) noexcept {
+    if (faults::Fails(faults::Op::read)) return -1;
     auto* out = static_cast<unsigned char*>(buffer);
     std::size_t done = 0;
     while (done < size) {
@@ -72,6 +74,7 @@ bool File::ReadExact(void* buffer, std::size_t size) noexcept {
 }
 
 bool File::WriteAll(const void* buffer, std::size_t size) noexcept {
+    if (faults::Fails(faults::Op::write)) return false;
     const auto* in = static_cast<const unsigned char*>(buffer);
     std::size_t done = 0;
     while (done < size) {
@@ -91,6 +94,13 @@ std::int64_t File::Size() const noexcept {
     struct stat st;
     if (fd_ < 0 || fstat(fd_, &st) != 0) return -1;
     return static_cast<std::int64_t>(st.st_size);
+}
+
+bool File::Sync() noexcept { return fd_ >= 0 && !faults::Fails(faults::Op::sync) && fsync(fd_) == 0; }
+
+void File::Adopt(int fd) noexcept {
+    Close();
+    fd_ = fd;
 }
 
 }  // namespace kt::file

@@ -25,6 +25,8 @@ public:
     bool OpenUtf8(const char* path, Mode mode) noexcept;
     bool IsOpen() const noexcept { return fd_ >= 0; }
     void Close() noexcept;
+    // Takes ownership of an open descriptor.
+    void Adopt(int fd) noexcept;
 
     // Reads exactly `size` bytes; false on a failure or a short read.
     bool ReadExact(void* buffer, std::size_t size) noexcept;
@@ -34,6 +36,8 @@ public:
     bool Seek(std::int64_t offset) noexcept;
     // -1 when unknown.
     std::int64_t Size() const noexcept;
+    // Flushes the file's data to the disk.
+    bool Sync() noexcept;
     int fd() const noexcept { return fd_; }
 
 private:

@@ -1,7 +1,9 @@
 #!/bin/sh
 # Fails when the shared library exports anything but the Vx_ functions (and
 # SetResModule), when a function the public headers declare is not exported,
-# or when the library lacks its versioned SONAME.
+# when a declaration is undocumented, or when the library lacks its
+# versioned SONAME. A KTCLR_API declaration counts as documented when the
+# line right above its first line ends a comment ("*/").
 set -eu
 lib="$1"
 major="$2"
@@ -18,6 +20,12 @@ declared=$(cat "$include"/ktclr/*.h | grep -v "^ *#" | tr '\n' ' ' | grep -o 'KT
 for need in $declared; do
   printf '%s\n' "$symbols" | grep -qx "$need" || { echo "declared but not exported: $need"; exit 1; }
 done
+undocumented=$(awk 'FNR == 1 { prev = "" }
+  /^[[:space:]]*KTCLR_API[[:space:]]/ && prev !~ /\*\/[[:space:]]*$/ { print FILENAME ":" FNR ": " $0 }
+  { prev = $0 }' "$include"/ktclr/*.h)
+if [ -n "$undocumented" ]; then
+  echo "declarations without a comment right above them:"; printf '%s\n' "$undocumented"; exit 1
+fi
 soname=$(objdump -p "$lib" | awk '/SONAME/ {print $2}')
 [ "$soname" = "libktclr.so.$major" ] || { echo "SONAME is '$soname'"; exit 1; }
 echo "$(printf '%s\n' "$declared" | wc -l) declared, $(printf '%s\n' "$symbols" | wc -l) exported, SONAME $soname"

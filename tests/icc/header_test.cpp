@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "icc_fixtures.h"
+#include "icc_test_support.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "icc_fixtures.h"
+#include "icc_test_support.h"
 #include "platform/alloc_control.h"
 
 namespace {

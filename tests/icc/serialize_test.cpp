@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "icc_fixtures.h"
+#include "icc_test_support.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "icc_fixtures.h"
+#include "icc_test_support.h"
 #include "platform/alloc_control.h"
 
 namespace {

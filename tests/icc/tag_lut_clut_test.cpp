@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/alloc_control.h"
-#include "tag_lut_fixtures.h"
+#include "icc_test_support.h"
 
 namespace {
 

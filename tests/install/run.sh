@@ -14,3 +14,9 @@ flags=$(PKG_CONFIG_PATH="$pcdir" pkg-config --cflags --libs ktclr)
 # shellcheck disable=SC2086
 "$cc" -std=c99 -Wall -Werror -o "$work/pc-consumer" "$consumer/consumer.c" $flags
 LD_LIBRARY_PATH=$(dirname "$(find "$work/stage" -name 'libktclr.so' | head -n 1)") "$work/pc-consumer"
+# The installed library finds its PNG codec module in the install tree.
+here=$(cd "$(dirname "$0")" && pwd)
+# shellcheck disable=SC2086
+"$cc" -std=c99 -Wall -Werror -o "$work/png-consumer" "$here/../api/png_module_test.c" $flags
+LD_LIBRARY_PATH=$(dirname "$(find "$work/stage" -name 'libktclr.so' | head -n 1)") \
+  "$here/../api/png_module.sh" "$work/png-consumer" "$here/../../data/builtin/rgb_display.icc"

@@ -1,11 +1,9 @@
 #include "support/support.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <fstream>
 #include <random>
 #include <stdexcept>
 
@@ -79,20 +77,6 @@ Bytes Random(std::size_t n, unsigned seed, int pixelBytes) {
     for (std::size_t i = 0; i < n; ++i)
         b[i] = i < ramp ? static_cast<std::uint8_t>(i / pixelBytes) : static_cast<std::uint8_t>(rng());
     return b;
-}
-
-ScratchDir::ScratchDir() {
-    char name[] = "/tmp/ktclr-test-XXXXXX";
-    path_ = mkdtemp(name);
-}
-
-ScratchDir::~ScratchDir() { std::system(("rm -rf '" + path_ + "'").c_str()); }
-
-std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
-    const std::string full = path_ + "/" + name;
-    std::ofstream f(full, std::ios::binary);
-    f.write(reinterpret_cast<const char*>(b.data()), static_cast<std::streamsize>(b.size()));
-    return full;
 }
 
 void SetPath(KtChar16* field, const std::string& path) {

@@ -1,7 +1,9 @@
 // Helpers shared by the test suites: memory with chosen protections, the
-// allocation-failure loop, conversion parameters and handles, sample bytes
-// and files in a scratch folder.
+// allocation-failure and file-failure loops, conversion parameters and
+// handles, sample bytes, files in a scratch folder, a per-thread locale.
 #pragma once
+
+#include <locale.h>
 
 #include <cstdint>
 #include <cstring>
@@ -11,6 +13,7 @@
 
 #include "ktclr/convert.h"
 #include "platform/alloc_control.h"
+#include "platform/file_faults.h"
 
 namespace kt::test {
 
@@ -105,16 +108,56 @@ Bytes Random(std::size_t n, unsigned seed, int pixelBytes = 0);
 Bytes BuiltinProfile(std::int32_t selector);
 std::uint32_t DeclaredSize(const Bytes& b);
 
-// A folder removed with everything in it at scope exit.
+// Runs an operation once per file operation of each kind it makes, failing
+// that one operation, until a run completes without the failure firing.
+// `run` returns the status it got; `check(op, n, status)` judges each run in
+// which the n-th operation of kind `op` failed. Returns the number of
+// operations of all kinds in a clean run.
+int ForEachFileFault(const std::function<int()>& run,
+                     const std::function<void(file::faults::Op op, int n, int status)>& check);
+
+// A fresh temporary folder, removed with everything in it at scope exit.
 class ScratchDir {
 public:
     ScratchDir();
     ~ScratchDir();
+    ScratchDir(const ScratchDir&) = delete;
+    ScratchDir& operator=(const ScratchDir&) = delete;
     const std::string& path() const { return path_; }
+    std::string File(const std::string& name) const { return path_ + "/" + name; }
+    // Writes `b` as the file `name` in the folder; returns its path.
     std::string Write(const std::string& name, const Bytes& b) const;
+    // Names in the folder, sorted.
+    std::vector<std::string> Entries() const;
 
 private:
     std::string path_;
+};
+
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, const std::string& bytes);
+std::u16string Wide(const std::string& utf8);
+// Runs a shell command; returns its exit status and fills `out` with stdout.
+int Run(const std::string& command, std::string* out = nullptr);
+
+// Runs a test's calls under a chosen LC_CTYPE locale (this thread only).
+class ScopedLocale {
+public:
+    explicit ScopedLocale(const char* name)
+        : locale_(newlocale(LC_CTYPE_MASK, name, static_cast<locale_t>(0))),
+          previous_(locale_ ? uselocale(locale_) : static_cast<locale_t>(0)) {}
+    ~ScopedLocale() {
+        if (!locale_) return;
+        uselocale(previous_);
+        freelocale(locale_);
+    }
+    ScopedLocale(const ScopedLocale&) = delete;
+    ScopedLocale& operator=(const ScopedLocale&) = delete;
+    bool ok() const { return locale_ != static_cast<locale_t>(0); }
+
+private:
+    locale_t locale_;
+    locale_t previous_;
 };
 
 // An ASCII path into a caller's path field.

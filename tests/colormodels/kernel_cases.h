@@ -1,0 +1,291 @@
+// The kernel tests' one case table: every kernel with its reference per
+// pixel group and its exhaustive inputs, and the instruction-set levels the
+// cases run at (every level this processor has, through the cap).
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "colormodels/cpu.h"
+#include "colormodels/kernels.h"
+#include "colormodels/lab_tables.h"
+#include "colormodels/reference/lab_xyz_reference.h"
+#include "colormodels/reference/reference_rgb_family.h"
+
+namespace kt::color {
+inline void PrintTo(Isa isa, std::ostream* os) { *os << static_cast<int>(isa); }
+}  // namespace kt::color
+
+namespace kt::test {
+
+inline const char* Name(color::Isa isa) {
+    static const char* const names[] = {"plain", "avx2", "avx512"};
+    return names[static_cast<int>(isa)];
+}
+
+// The levels this processor runs, plain first.
+inline std::vector<color::Isa> Levels() {
+    std::vector<color::Isa> all;
+    for (int l = 0; l <= static_cast<int>(color::CpuIsa()); ++l) all.push_back(static_cast<color::Isa>(l));
+    return all;
+}
+
+// Caps the kernels' instruction set while it lives.
+class IsaCap {
+public:
+    explicit IsaCap(color::Isa level) : previous_(color::SetIsaCap(level)) {}
+    ~IsaCap() { color::SetIsaCap(previous_); }
+    IsaCap(const IsaCap&) = delete;
+    IsaCap& operator=(const IsaCap&) = delete;
+
+private:
+    color::Isa previous_;
+};
+
+// Tests run once per level (TEST_P), the kernels capped to it, so that
+// every plain row is proven on any processor; KT_AT_EVERY_LEVEL(Suite)
+// after the tests instantiates them.
+class AtEveryLevel : public ::testing::TestWithParam<color::Isa> {
+protected:
+    void SetUp() override { cap_.emplace(GetParam()); }
+    void TearDown() override { cap_.reset(); }
+
+private:
+    std::optional<IsaCap> cap_;
+};
+#define KT_AT_EVERY_LEVEL(Suite)                                                     \
+    INSTANTIATE_TEST_SUITE_P(Isa, Suite, ::testing::ValuesIn(::kt::test::Levels()), \
+                             [](const auto& info) { return std::string(::kt::test::Name(info.param)); })
+
+using ref::Px3;
+
+// An RGB-side pixel in the flag's order (1: R, G, B; 0: B, G, R).
+inline Px3 ReadRgb(const std::uint8_t* p, int order) {
+    return order ? Px3{p[0], p[1], p[2]} : Px3{p[2], p[1], p[0]};
+}
+inline void PutRgb(const Px3& c, std::uint8_t* p, int order) {
+    p[order ? 0 : 2] = c[0];
+    p[1] = c[1];
+    p[order ? 2 : 0] = c[2];
+}
+
+// The reference of one pixel group: false where the kernel rejects it.
+using Ref = bool (*)(const std::uint8_t* in, std::uint8_t* out, int order, int black);
+
+template <Px3 (*F)(int, int, int)>
+bool FromRgb(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    const Px3 c = ReadRgb(in, order), r = F(c[0], c[1], c[2]);
+    std::copy(r.begin(), r.end(), out);
+    return true;
+}
+template <Px3 (*F)(int, int, int)>
+bool ToRgb(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    PutRgb(F(in[0], in[1], in[2]), out, order);
+    return true;
+}
+template <ktref::Triple (*F)(int, int, int)>
+bool FromRgbT(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    const Px3 c = ReadRgb(in, order);
+    const ktref::Triple t = F(c[0], c[1], c[2]);
+    std::copy_n(t.v, 3, out);
+    return true;
+}
+template <ktref::Rgb (*F)(int, int, int)>
+bool ToRgbT(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    const ktref::Rgb p = F(in[0], in[1], in[2]);
+    PutRgb(Px3{p.r, p.g, p.b}, out, order);
+    return true;
+}
+// Only ever called between the two orders: it swaps under either flag.
+inline bool Swap(const std::uint8_t* in, std::uint8_t* out, int, int) {
+    out[0] = in[2], out[1] = in[1], out[2] = in[0];
+    return true;
+}
+inline bool HlsToRgb(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    Px3 c{};
+    if (!ref::HlsToRgb(in[0], in[1], in[2], &c)) return false;
+    PutRgb(c, out, order);
+    return true;
+}
+inline bool RgbToCmyk(const std::uint8_t* in, std::uint8_t* out, int order, int black) {
+    const Px3 c = ReadRgb(in, order);
+    const ref::Px4 k = ref::RgbToCmyk(c[0], c[1], c[2], black);
+    std::copy(k.begin(), k.end(), out);
+    return true;
+}
+inline bool CmykToRgb(const std::uint8_t* in, std::uint8_t* out, int order, int black) {
+    PutRgb(ref::CmykToRgb(in[0], in[1], in[2], in[3], black), out, order);
+    return true;
+}
+inline bool RgbToRgb444(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    const Px3 c = ReadRgb(in, order);
+    const auto code = ref::RgbToRgb444(c[0], c[1], c[2]);
+    std::copy(code.begin(), code.end(), out);
+    return true;
+}
+inline bool Rgb444ToRgb(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    PutRgb(ref::Rgb444ToRgb(in[0], in[1]), out, order);
+    return true;
+}
+
+// Packed YUV groups: per pixel where its luma lies, per chroma sample where
+// its U and V lie and how many pixels share it.
+struct Packed {
+    int pixels, bytes, share;
+    std::array<int, 8> luma;
+    std::array<int, 2> u, v;
+};
+constexpr Packed kYuyv{2, 4, 2, {0, 2}, {1}, {3}};
+constexpr Packed kUyvy{2, 4, 2, {1, 3}, {0}, {2}};
+constexpr Packed k411{8, 12, 4, {1, 3, 5, 7, 8, 9, 10, 11}, {0, 4}, {2, 6}};
+
+template <const Packed& L>
+bool ToPacked(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    for (int q = 0; q < L.pixels / L.share; ++q) {
+        int su = 0, sv = 0;
+        for (int k = 0; k < L.share; ++k) {
+            const int p = q * L.share + k;
+            const Px3 c = ReadRgb(in + 3 * p, order);
+            const ref::YuvSample s = ref::PackedFromRgb(c[0], c[1], c[2]);
+            out[L.luma[p]] = static_cast<std::uint8_t>(s.y);
+            su += s.u & 255;
+            sv += s.v & 255;
+        }
+        out[L.u[q]] = static_cast<std::uint8_t>(su / L.share);
+        out[L.v[q]] = static_cast<std::uint8_t>(sv / L.share);
+    }
+    return true;
+}
+template <const Packed& L>
+bool FromPacked(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    for (int p = 0; p < L.pixels; ++p) {
+        const int q = p / L.share;
+        PutRgb(ref::PackedToRgb(in[L.luma[p]], in[L.u[q]], in[L.v[q]]), out + 3 * p, order);
+    }
+    return true;
+}
+
+// The handle's Lab tables as kernels: RGB to Lab for the creation white
+// point, Lab to RGB for it and for the second one (Which 0 and 1).
+inline KtStatus RgbToLabByTable(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
+                              int dstPad, int, int order) noexcept {
+    static const ::RgbToLabTable* const table = [] {
+        auto* t = new ::RgbToLabTable;
+        color::SetRgbToLabTableHeader(t, color::kInitWhitePoint, color::kDefaultLabRanges, color::kRgbToXyzMatrix);
+        color::FillRgbToLabTable(t, 45);
+        return t;
+    }();
+    return color::RgbToLabThroughTable(table, src, dst, width, height, srcPad, dstPad, order);
+}
+constexpr const double* kTableWhite[2] = {color::kInitWhitePoint, color::kSetParamsWhitePoint};
+constexpr const double* kTableMatrix[2] = {color::kXyzToRgbMatrix, color::kSetParamsMatrix};
+template <int Which>
+KtStatus LabTableToRgb(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad,
+                       int, int order) noexcept {
+    static const LabTable* const table = [] {
+        auto* t = new LabTable;
+        color::SetLabTableHeader(t, kTableWhite[Which], color::kDefaultLabRanges, kTableMatrix[Which]);
+        color::FillLabTable(t, 45);
+        return t;
+    }();
+    return color::LabToRgbThroughTable(table, src, dst, width, height, srcPad, dstPad, order);
+}
+template <int Which>
+bool LabTableRef(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    const ktref::Rgb p = ktref::LabToRgbWith(in[0], in[1], in[2], kTableWhite[Which], kTableMatrix[Which], 0.45);
+    PutRgb(Px3{p.r, p.g, p.b}, out, order);
+    return true;
+}
+
+// What the exhaustive test feeds a case.
+enum class Inputs {
+    triples,  // every 24-bit value once, as one byte stream
+    codes,    // every 16-bit value once
+    yuyv,     // every (Y0, U, V), Y1 the complement of Y0
+    uyvy,     // the same in the UYVY layout
+    cmyk,     // every (C, M, Y), the key hashed from them
+};
+
+struct Case {
+    const char* name;
+    color::Kernel kernel;
+    int srcBytes, dstBytes;  // per group
+    int group;               // pixels per group
+    Ref ref;
+    Inputs inputs;
+    int black = 0;
+};
+
+// Black values: 175 neither removes nor restores, 600 restores, 500 and
+// 1000 remove (1000 at full strength), 65536 removes beyond an int, -5000
+// restores from a negative value.
+inline const Case kCases[] = {
+    {"rgb_bgr", color::RgbToRgbCopy, 3, 3, 1, Swap, Inputs::triples},
+    {"rgb_cmy", color::RgbToCmy, 3, 3, 1, FromRgb<ref::RgbToCmy>, Inputs::triples},
+    {"cmy_rgb", color::CmyToRgb, 3, 3, 1, ToRgb<ref::CmyToRgb>, Inputs::triples},
+    {"rgb_hsv", color::RgbToHsv, 3, 3, 1, FromRgb<ref::RgbToHsv>, Inputs::triples},
+    {"hsv_rgb", color::HsvToRgb, 3, 3, 1, ToRgb<ref::HsvToRgb>, Inputs::triples},
+    {"rgb_hls", color::RgbToHls, 3, 3, 1, FromRgb<ref::RgbToHls>, Inputs::triples},
+    {"hls_rgb", color::HlsToRgb, 3, 3, 1, HlsToRgb, Inputs::triples},
+    {"rgb_hsi", color::RgbToHsi, 3, 3, 1, FromRgb<ref::RgbToHsi>, Inputs::triples},
+    {"hsi_rgb", color::HsiToRgb, 3, 3, 1, ToRgb<ref::HsiToRgb>, Inputs::triples},
+    {"rgb_yuv", color::RgbToYuv, 3, 3, 1, FromRgb<ref::RgbToYuv>, Inputs::triples},
+    {"yuv_rgb", color::YuvToRgb, 3, 3, 1, ToRgb<ref::YuvToRgb>, Inputs::triples},
+    {"rgb_yiq", color::RgbToYiq, 3, 3, 1, FromRgb<ref::RgbToYiq>, Inputs::triples},
+    {"yiq_rgb", color::YiqToRgb, 3, 3, 1, ToRgb<ref::YiqToRgb>, Inputs::triples},
+    {"rgb_ycbcr", color::RgbToYcbcr, 3, 3, 1, FromRgb<ref::RgbToYcbcr>, Inputs::triples},
+    {"ycbcr_rgb", color::YcbcrToRgb, 3, 3, 1, ToRgb<ref::YcbcrToRgb>, Inputs::triples},
+    {"rgb_lab", color::RgbToLab, 3, 3, 1, FromRgbT<ktref::RgbToLab>, Inputs::triples},
+    {"lab_rgb", color::LabToRgb, 3, 3, 1, ToRgbT<ktref::LabToRgb>, Inputs::triples},
+    {"rgb_lab_table", RgbToLabByTable, 3, 3, 1, FromRgbT<ktref::RgbToLab>, Inputs::triples},
+    {"lab_table1_rgb", LabTableToRgb<0>, 3, 3, 1, LabTableRef<0>, Inputs::triples},
+    {"lab_table2_rgb", LabTableToRgb<1>, 3, 3, 1, LabTableRef<1>, Inputs::triples},
+    {"rgb_xyz", color::RgbToXyz, 3, 3, 1, FromRgbT<ktref::RgbToXyz>, Inputs::triples},
+    {"xyz_rgb", color::XyzToRgb, 3, 3, 1, ToRgbT<ktref::XyzToRgb>, Inputs::triples},
+    {"rgb_rgb444", color::RgbToRgb444, 3, 2, 1, RgbToRgb444, Inputs::triples},
+    {"rgb444_rgb", color::Rgb444ToRgb, 2, 3, 1, Rgb444ToRgb, Inputs::codes},
+    {"rgb_yuyv", color::RgbToYuyv, 6, 4, 2, ToPacked<kYuyv>, Inputs::triples},
+    {"yuyv_rgb", color::YuyvToRgb, 4, 6, 2, FromPacked<kYuyv>, Inputs::yuyv},
+    {"rgb_uyvy", color::RgbToUyvy, 6, 4, 2, ToPacked<kUyvy>, Inputs::triples},
+    {"uyvy_rgb", color::UyvyToRgb, 4, 6, 2, FromPacked<kUyvy>, Inputs::uyvy},
+    {"rgb_yuv411", color::RgbToYuv411, 24, 12, 8, ToPacked<k411>, Inputs::triples},
+    {"yuv411_rgb", color::Yuv411ToRgb, 12, 24, 8, FromPacked<k411>, Inputs::triples},
+    {"rgb_cmyk175", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 175},
+    {"rgb_cmyk500", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 500},
+    {"rgb_cmyk1000", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 1000},
+    {"rgb_cmyk65536", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 65536},
+    {"cmyk175_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 175},
+    {"cmyk600_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 600},
+    {"cmyk1000_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 1000},
+    {"cmyk-5000_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, -5000},
+};
+inline constexpr int kCaseCount = sizeof kCases / sizeof kCases[0];
+
+// Cases at every level: TEST_P over (level, case index).
+class EveryCase : public ::testing::TestWithParam<std::tuple<color::Isa, int>> {
+protected:
+    void SetUp() override { cap_.emplace(std::get<0>(GetParam())); }
+    void TearDown() override { cap_.reset(); }
+    const Case& TheCase() const { return kCases[std::get<1>(GetParam())]; }
+
+private:
+    std::optional<IsaCap> cap_;
+};
+#define KT_EVERY_CASE(Suite)                                                                                  \
+    INSTANTIATE_TEST_SUITE_P(                                                                                 \
+        Kernels, Suite,                                                                                       \
+        ::testing::Combine(::testing::ValuesIn(::kt::test::Levels()), ::testing::Range(0, ::kt::test::kCaseCount)), \
+        [](const auto& info) {                                                                                \
+            std::string name = std::string(::kt::test::Name(std::get<0>(info.param))) + "_" +                \
+                               ::kt::test::kCases[std::get<1>(info.param)].name;                              \
+            for (char& ch : name)                                                                             \
+                if (ch == '-') ch = 'm';                                                                      \
+            return name;                                                                                      \
+        })
+
+}  // namespace kt::test

@@ -1,0 +1,162 @@
+// Every kernel of the case table at every instruction-set level against
+// the references: all its exhaustive inputs in both RGB orders, then every
+// width, both paddings, both orders and in place on random pixels.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include "colormodels/kernel_cases.h"
+
+namespace kt {
+namespace {
+
+using test::Case;
+using test::Inputs;
+using Bytes = std::vector<std::uint8_t>;
+
+// The inputs as one byte stream; unit i of `bytes` bytes.
+Bytes Stream(Inputs inputs) {
+    const std::uint32_t n = inputs == Inputs::codes ? 1u << 16 : 1u << 24;
+    Bytes v(static_cast<std::size_t>(n) * (inputs == Inputs::triples ? 3 : inputs == Inputs::codes ? 2 : 4));
+    for (std::uint32_t i = 0; i < n; ++i) {
+        const auto a = static_cast<std::uint8_t>(i >> 16), b = static_cast<std::uint8_t>(i >> 8),
+                   c = static_cast<std::uint8_t>(i);
+        switch (inputs) {
+            case Inputs::triples: v[3 * i] = a, v[3 * i + 1] = b, v[3 * i + 2] = c; break;
+            case Inputs::codes: v[2 * i] = b, v[2 * i + 1] = c; break;
+            case Inputs::yuyv: v[4 * i] = a, v[4 * i + 1] = b, v[4 * i + 2] = ~a, v[4 * i + 3] = c; break;
+            case Inputs::uyvy: v[4 * i] = b, v[4 * i + 1] = a, v[4 * i + 2] = c, v[4 * i + 3] = ~a; break;
+            case Inputs::cmyk:
+                v[4 * i] = a, v[4 * i + 1] = b, v[4 * i + 2] = c;
+                v[4 * i + 3] = static_cast<std::uint8_t>(i * 2654435761u >> 24);
+                break;
+        }
+    }
+    return v;
+}
+
+// Runs body(first, last) over [0, n) on two threads.
+void Split2(std::int64_t n, const std::function<void(std::int64_t, std::int64_t)>& body) {
+    std::thread t([&] { body(0, n / 2); });
+    body(n / 2, n);
+    t.join();
+}
+
+class Exhaustive : public ::testing::TestWithParam<int> {};
+
+// Each case's inputs and references once, then the kernel at every level.
+// The groups the kernel accepts go through in one image of 4096-group rows
+// (one row when they do not fill whole rows), split between two threads;
+// the groups it refuses are left out (hls_rgb; the refusal itself is tested
+// in kernels_edges_test.cpp). Too slow under the sanitizers, which run the
+// grid below instead.
+TEST_P(Exhaustive, EveryInputAtEveryLevel) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "exhaustive sweeps run in the plain build";
+#endif
+    const Case& c = test::kCases[GetParam()];
+    const Bytes all = Stream(c.inputs);
+    const std::int64_t groups = static_cast<std::int64_t>(all.size()) / c.srcBytes;
+    for (int order : {1, 0}) {
+        Bytes src(all.size()), want(static_cast<std::size_t>(groups) * c.dstBytes);
+        std::vector<char> accepted(static_cast<std::size_t>(groups));
+        Split2(groups, [&](std::int64_t a, std::int64_t b) {
+            for (std::int64_t i = a; i < b; ++i)
+                accepted[i] = c.ref(&all[i * c.srcBytes], &want[i * c.dstBytes], order, c.black);
+        });
+        std::int64_t n = 0;
+        for (std::int64_t i = 0; i < groups; ++i) {
+            if (!accepted[i]) continue;
+            std::copy_n(&all[i * c.srcBytes], c.srcBytes, &src[n * c.srcBytes]);
+            std::copy_n(&want[i * c.dstBytes], c.dstBytes, &want[n * c.dstBytes]);
+            ++n;
+        }
+        want.resize(static_cast<std::size_t>(n) * c.dstBytes);
+        const int rowGroups = n % 4096 == 0 ? 4096 : static_cast<int>(n);
+        const int rows = static_cast<int>(n / rowGroups);
+        for (color::Isa level : test::Levels()) {
+            const test::IsaCap cap(level);
+            Bytes got(want.size());
+            const auto run = [&](std::int64_t a, std::int64_t b) {
+                return c.kernel(&src[a * rowGroups * c.srcBytes], &got[a * rowGroups * c.dstBytes],
+                                rowGroups * c.group, static_cast<int>(b - a), 0, 0, c.black, order);
+            };
+            KtStatus first = STATUS_OK;
+            std::thread half([&] { first = run(0, rows / 2); });
+            EXPECT_EQ(run(rows / 2, rows), STATUS_OK);
+            half.join();
+            EXPECT_EQ(first, STATUS_OK);
+            if (got == want) continue;
+            std::int64_t bad = 0, at = -1;
+            for (std::int64_t i = 0; i < n; ++i)
+                if (!std::equal(&got[i * c.dstBytes], &got[(i + 1) * c.dstBytes], &want[i * c.dstBytes]) &&
+                    bad++ == 0)
+                    at = i;
+            ADD_FAILURE() << c.name << " " << test::Name(level) << " order " << order << ": " << bad
+                          << " groups differ, the first " << at << " of " << n;
+        }
+    }
+}
+
+constexpr int kHeight = 3;
+constexpr int kMaxWidth = 100;
+constexpr int kMaxPad = 5;
+constexpr std::uint8_t kFill = 0xA5;
+
+using Grid = test::EveryCase;
+
+// Random groups the kernel accepts; the destination's padding a fill byte
+// that must stay, and with equal sizes the same conversion in place.
+TEST_P(Grid, WidthsPaddingsOrdersInPlace) {
+    const Case& c = TheCase();
+    std::mt19937 rng(4242);
+    int bad = 0;
+    std::string first;
+    for (int width = c.group; width <= kMaxWidth; width += c.group)
+        for (int srcPad = 0; srcPad <= kMaxPad; ++srcPad)
+            for (int dstPad = 0; dstPad <= kMaxPad; ++dstPad)
+                for (int order : {1, 0}) {
+                    const int groups = width / c.group;
+                    const int srcStride = groups * c.srcBytes + srcPad, dstStride = groups * c.dstBytes + dstPad;
+                    Bytes src(static_cast<std::size_t>(srcStride) * kHeight);
+                    Bytes want(static_cast<std::size_t>(dstStride) * kHeight, kFill);
+                    for (int y = 0; y < kHeight; ++y)
+                        for (int x = 0; x < groups; ++x) {
+                            std::uint8_t* in = &src[y * srcStride + x * c.srcBytes];
+                            do
+                                for (int k = 0; k < c.srcBytes; ++k) in[k] = static_cast<std::uint8_t>(rng());
+                            while (!c.ref(in, &want[y * dstStride + x * c.dstBytes], order, c.black));
+                        }
+                    Bytes got(want.size(), kFill);
+                    bool ok = c.kernel(src.data(), got.data(), width, kHeight, srcPad, dstPad, c.black, order) ==
+                                  STATUS_OK &&
+                              got == want;
+                    if (c.srcBytes == c.dstBytes && srcPad == dstPad) {
+                        // In place: the padding keeps the source's bytes.
+                        Bytes inPlace = src, wantInPlace = src;
+                        for (int y = 0; y < kHeight; ++y)
+                            std::copy_n(&want[y * dstStride], groups * c.dstBytes, &wantInPlace[y * dstStride]);
+                        ok = ok && c.kernel(inPlace.data(), inPlace.data(), width, kHeight, srcPad, dstPad, c.black,
+                                            order) == STATUS_OK;
+                        ok = ok && inPlace == wantInPlace;
+                    }
+                    if (!ok && bad++ == 0)
+                        first = "width " + std::to_string(width) + " pads " + std::to_string(srcPad) + "/" +
+                                std::to_string(dstPad) + " order " + std::to_string(order);
+                }
+    EXPECT_EQ(bad, 0) << c.name << ", first: " << first;
+}
+
+INSTANTIATE_TEST_SUITE_P(Kernels, Exhaustive, ::testing::Range(0, test::kCaseCount), [](const auto& info) {
+    std::string name = test::kCases[info.param].name;
+    for (char& ch : name)
+        if (ch == '-') ch = 'm';
+    return name;
+});
+KT_EVERY_CASE(Grid);
+
+}  // namespace
+}  // namespace kt

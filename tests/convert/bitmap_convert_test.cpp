@@ -1,0 +1,296 @@
+// Conversions into and between bitmaps: the bitmap's rows against the same
+// pixels converted as buffers, row by row; every status in order; every
+// allocation.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <vector>
+
+#include "ktclr/bitmap.h"
+#include "support/support.h"
+
+namespace kt {
+namespace {
+
+using test::MappedPages;
+using Access = MappedPages::Access;
+using Bytes = std::vector<std::uint8_t>;
+constexpr std::uint32_t kSize = KTCLR_SIZEOF_BITMAP_HANDLE;
+constexpr int kHeight = 3;
+
+Bytes Random(std::size_t n, unsigned seed) {
+    std::mt19937 rng(seed);
+    Bytes b(n);
+    for (auto& v : b) v = static_cast<std::uint8_t>(rng());
+    return b;
+}
+
+struct Handle {
+    Handle(int src, int dst, std::uint32_t method = METHOD_BUILTIN) {
+        ConversionParams p = test::Params(method);
+        EXPECT_EQ(Vx_ClrInit(&h, src, dst, &p), STATUS_OK);
+    }
+    ~Handle() { Vx_ClrFree(h); }
+    ClrHandle* h = nullptr;
+};
+
+struct Bitmap {
+    Bitmap() { Vx_BmpInit(&b, kSize); }
+    ~Bitmap() { Vx_BmpFree(&b); }
+    Bytes Row(int y, int width) const { return Bytes(b.data + y * b.bytesPerLine, b.data + y * b.bytesPerLine + 3 * width); }
+    BitmapHandle b;
+};
+
+// Padding that brings a 24-bit row of `width` pixels to a multiple of 4.
+int DibPad(int width) { return (4 - 3 * width % 4) % 4; }
+
+// Rows of `bits` per pixel, `stride` apart, each converted alone.
+Bytes RowByRow(ClrHandle* h, const Bytes& src, int bits, std::size_t stride, int width, int y) {
+    Bytes row(src.begin() + y * stride, src.begin() + y * stride + (bits * width + 7) / 8), out(4 * width);
+    EXPECT_EQ(Vx_ClrConvert(h, row.data(), out.data(), width, 1, 0, 0), STATUS_OK);
+    out.resize(3 * width);
+    return out;
+}
+
+// The engine's kernels take the alignments as row padding; ICC rows are
+// rounded up to them. Either way the rows land on the bitmap's own, and
+// Vx_ClrConvertDirect's paddings likewise.
+TEST(BitmapConvert, IntoABitmapHoldsTheConvertedRows) {
+    const struct {
+        int src, dst, bits;
+        std::uint32_t method;
+        int srcAlign;
+        bool direct;
+    } cases[] = {
+        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 1, false},     {CS_YIQ, CS_BGR, 24, METHOD_BUILTIN, 5, false},
+        {CS_CMYK, CS_BGR, 32, METHOD_BUILTIN, 2, false},    {CS_YUV422_YUYV, CS_RGB, 16, METHOD_BUILTIN, 3, false},
+        {CS_CMYK, CS_RGB, 32, METHOD_ICC, 4, false},        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 0, true},
+        {CS_YCBCR, CS_BGR, 24, METHOD_BUILTIN, 3, true},    {CS_RGB444, CS_BGR, 16, METHOD_BUILTIN, 2, true},
+    };
+    for (const auto& c : cases) {
+        Handle h(c.src, c.dst, c.method);
+        const bool iccRows = c.method == METHOD_ICC;
+        for (int width = 1; width <= 6; ++width) {
+            if (c.src == CS_YUV422_YUYV && width % 2) continue;
+            const int dstAlign = iccRows ? 4 : DibPad(width);
+            const std::size_t stride = (c.bits * width + 7) / 8 + (iccRows ? 0 : c.srcAlign);
+            Bytes src = Random(stride * kHeight + 8, width);
+            Bitmap bmp;
+            ASSERT_EQ(c.direct ? Vx_ClrConvertDirectToBitmap(c.src, c.dst, src.data(), &bmp.b, kSize, width, kHeight,
+                                                             c.srcAlign, dstAlign)
+                               : Vx_ClrConvertToBitmap(h.h, src.data(), &bmp.b, kSize, width, kHeight, c.srcAlign,
+                                                       dstAlign),
+                      STATUS_OK);
+            ASSERT_EQ(bmp.b.width, width);
+            ASSERT_EQ(bmp.b.height, kHeight);
+            EXPECT_EQ(bmp.b.bitsPerPixel, 24);
+            EXPECT_EQ(bmp.b.colorOrder, VX_BMP_ORDER_DIB);
+            for (int y = 0; y < kHeight; ++y)
+                EXPECT_EQ(bmp.Row(y, width), RowByRow(h.h, src, c.bits, stride, width, y))
+                    << c.src << (c.direct ? " direct" : "") << " width " << width << " row " << y;
+        }
+    }
+}
+
+TEST(BitmapConvert, ConvertBitmapInPlaceAndIntoASecond) {
+    const struct {
+        int src, dst;
+        std::uint32_t method;
+    } cases[] = {{CS_RGB, CS_HSV, METHOD_BUILTIN}, {CS_BGR, CS_YIQ, METHOD_BUILTIN}, {CS_RGB, CS_LAB, METHOD_ICC}};
+    for (const auto& c : cases) {
+        Handle h(c.src, c.dst, c.method);
+        for (int width = 1; width <= 5; ++width) {
+            for (bool inPlace : {true, false}) {
+                Bitmap src, dst;
+                ASSERT_EQ(Vx_BmpCreate(&src.b, kSize, width, kHeight, 24, VX_BMP_ORDER_BGR), STATUS_OK);
+                ASSERT_EQ(Vx_BmpCreate(&dst.b, kSize, width, kHeight, 24, VX_BMP_ORDER_DIB), STATUS_OK);
+                const Bytes before = Random(src.b.bytesPerLine * kHeight, width);
+                std::memcpy(src.b.data, before.data(), before.size());
+                ASSERT_EQ(Vx_ClrConvertBitmap(h.h, &src.b, inPlace ? nullptr : &dst.b), STATUS_OK);
+                const Bitmap& out = inPlace ? src : dst;
+                for (int y = 0; y < kHeight; ++y)
+                    EXPECT_EQ(out.Row(y, width), RowByRow(h.h, before, 24, src.b.bytesPerLine, width, y))
+                        << c.dst << " width " << width << " row " << y << (inPlace ? " in place" : "");
+                if (!inPlace) {
+                    EXPECT_EQ(Bytes(src.b.data, src.b.data + before.size()), before);
+                }
+                EXPECT_EQ(out.b.flags, VX_BMP_HAS_DATA);  // accesses ended
+            }
+        }
+    }
+}
+
+TEST(BitmapConvert, ToBitmapStatusesInOrder) {
+    Handle hsv(CS_HSV, CS_RGB), cmyk(CS_RGB, CS_CMYK);
+    MappedPages pages(1, Access::readWrite), none(1, Access::none);
+    Bytes src(64), block(KTCLR_SIZEOF_CLR_HANDLE + 64);
+    auto* stranger = reinterpret_cast<ClrHandle*>(block.data());
+    stranger->structSize = KTCLR_SIZEOF_CLR_HANDLE;
+    std::uint8_t* s = src.data();
+    const struct {
+        ClrHandle* handle;
+        std::uint8_t* src;
+        bool bitmap;
+        int width, srcAlign, dstAlign;
+        KtStatus status;
+    } rows[] = {
+        {hsv.h, nullptr, true, 2, 1, 0, ERR_INVALID_PARAMETER},
+        {hsv.h, s, false, 2, 1, 0, ERR_INVALID_PARAMETER},
+        {nullptr, s, true, 2, 1, 0, ERR_BAD_POINTER},
+        {reinterpret_cast<ClrHandle*>(none.data()), s, true, 2, 1, 0, ERR_BAD_POINTER},
+        // (6 + 1) x 2 source bytes are probed.
+        {hsv.h, pages.end() - 13, true, 2, 1, 4, ERR_BAD_POINTER},
+        {hsv.h, pages.end() - 14, true, 2, 1, 4, STATUS_OK},
+        {stranger, s, true, 2, 1, 0, ERR_INVALID_COLOR_HANDLE},
+        {cmyk.h, s, true, 2, 1, 0, ERR_BAD_COLOR_SPACE},
+        {hsv.h, s, true, 0, 1, 0, ERR_BAD_SIZE},
+        {hsv.h, s, true, 2, -1, 0, ERR_INVALID_PARAMETER},
+    };
+    for (const auto& r : rows) {
+        Bitmap bmp;
+        ASSERT_EQ(Vx_BmpCreate(&bmp.b, kSize, 1, 1, 24, 0), STATUS_OK);
+        const std::uint8_t* held = bmp.b.data;
+        EXPECT_EQ(Vx_ClrConvertToBitmap(r.handle, r.src, r.bitmap ? &bmp.b : nullptr, kSize, r.width, 2, r.srcAlign,
+                                        r.dstAlign),
+                  r.status)
+            << &r - rows;
+        if (r.status != STATUS_OK) {
+            EXPECT_EQ(bmp.b.data, held) << "bitmap touched, row " << &r - rows;
+        }
+    }
+}
+
+// The handle form drops the fill's status, the direct form returns it: rows
+// 3 bytes apart (no padding at width 1) are too short for the bitmap's
+// 4-byte rows, and a wrong record size fails the fill too.
+TEST(BitmapConvert, FillStatusDroppedByTheHandleFormReturnedByTheDirectForm) {
+    Handle hsv(CS_HSV, CS_RGB);
+    Bytes src(64);
+    for (std::uint32_t size : {kSize, kSize + 8}) {
+        const KtStatus fill = size == kSize ? ERR_BAD_SIZE : ERR_BAD_STRUCT_SIZE;
+        const int pad = size == kSize ? 0 : 1;
+        Bitmap bmp;
+        ASSERT_EQ(Vx_BmpCreate(&bmp.b, kSize, 1, 1, 24, 0), STATUS_OK);
+        EXPECT_EQ(Vx_ClrConvertToBitmap(hsv.h, src.data(), &bmp.b, size, 1, 2, 1, pad), STATUS_OK);
+        EXPECT_EQ(bmp.b.flags, 0u);  // its pixels were released before the fill
+        EXPECT_EQ(bmp.b.data, nullptr);
+        EXPECT_EQ(Vx_ClrConvertDirectToBitmap(CS_HSV, CS_RGB, src.data(), &bmp.b, size, 1, 2, 0, pad), fill);
+    }
+}
+
+TEST(BitmapConvert, DirectToBitmapStatusesInOrder) {
+    Bytes src(64);
+    std::uint8_t* s = src.data();
+    const struct {
+        int srcSpace, dstSpace;
+        std::uint8_t* src;
+        bool bitmap;
+        int width;
+        KtStatus status;
+    } rows[] = {
+        {CS_HSV, CS_RGB, nullptr, true, 2, ERR_INVALID_PARAMETER},
+        {CS_HSV, CS_RGB, s, false, 2, ERR_INVALID_PARAMETER},
+        // The handle form answers ERR_BAD_COLOR_SPACE for these destinations.
+        {CS_HSV, CS_CMYK, s, true, 2, ERR_INVALID_PARAMETER},
+        {CS_RGB, CS_HSV, s, true, 2, ERR_INVALID_PARAMETER},
+        {16, CS_RGB, s, true, 2, ERR_BAD_COLOR_SPACE},
+        {CS_YUV422_YUYV, CS_RGB, s, true, 5, ERR_ODD_WIDTH},
+        {CS_HSV, CS_BGR, s, true, 0, ERR_INVALID_PARAMETER},
+        {CS_HSV, CS_BGR, s, true, 4, STATUS_OK},
+    };
+    for (const auto& r : rows) {
+        Bitmap bmp;
+        EXPECT_EQ(Vx_ClrConvertDirectToBitmap(r.srcSpace, r.dstSpace, r.src, r.bitmap ? &bmp.b : nullptr, kSize,
+                                              r.width, 2, 0, 0),
+                  r.status)
+            << &r - rows;
+    }
+}
+
+TEST(BitmapConvert, ConvertBitmapStatusesInOrder) {
+    Handle hsv(CS_RGB, CS_HSV);
+    MappedPages none(1, Access::none);
+    Bitmap a, tall, deep, rgb, dib, gray, gray2, empty;
+    const struct {
+        Bitmap* b;
+        int height, bits, order;
+    } made[] = {{&a, 2, 24, VX_BMP_ORDER_BGR},   {&tall, 3, 24, VX_BMP_ORDER_BGR},  {&deep, 2, 32, VX_BMP_ORDER_BGR},
+                {&rgb, 2, 24, VX_BMP_ORDER_RGB}, {&dib, 2, 24, VX_BMP_ORDER_DIB},   {&gray, 2, 24, VX_BMP_ORDER_GRAY},
+                {&gray2, 2, 24, VX_BMP_ORDER_GRAY}};
+    for (const auto& m : made) ASSERT_EQ(Vx_BmpCreate(&m.b->b, kSize, 2, m.height, m.bits, m.order), STATUS_OK);
+    const struct {
+        ClrHandle* handle;
+        BitmapHandle *src, *dst;
+        KtStatus status;
+    } rows[] = {
+        {hsv.h, nullptr, &a.b, ERR_NULL_ARGUMENT},
+        {hsv.h, &a.b, reinterpret_cast<BitmapHandle*>(none.data()), ERR_BAD_POINTER},
+        {hsv.h, &a.b, &tall.b, ERR_BAD_SIZE},
+        {hsv.h, &deep.b, nullptr, ERR_BAD_SIZE},
+        {hsv.h, &a.b, &deep.b, ERR_BAD_SIZE},
+        {hsv.h, &a.b, &rgb.b, ERR_INVALID_PARAMETER},
+        {hsv.h, &gray.b, &dib.b, ERR_INVALID_PARAMETER},
+        {hsv.h, &a.b, &dib.b, STATUS_OK},
+        {hsv.h, &dib.b, &a.b, STATUS_OK},
+        {hsv.h, &gray.b, &gray2.b, STATUS_OK},
+        {hsv.h, &empty.b, nullptr, ERR_BAD_SIZE},  // an empty record has no 24 bits
+        {nullptr, &a.b, nullptr, ERR_NULL_ARGUMENT},        // the first row's conversion
+    };
+    for (const auto& r : rows) EXPECT_EQ(Vx_ClrConvertBitmap(r.handle, r.src, r.dst), r.status) << &r - rows;
+    empty.b.width = 2;
+    empty.b.height = 2;
+    empty.b.bitsPerPixel = 24;
+    empty.b.colorOrder = VX_BMP_ORDER_BGR;
+    EXPECT_EQ(Vx_ClrConvertBitmap(hsv.h, &a.b, &empty.b), ERR_INVALID_PARAMETER);  // no pixels to access
+    EXPECT_EQ(a.b.flags, VX_BMP_HAS_DATA);  // the source's access was ended
+}
+
+// An achromatic HLS pixel with a hue stops the loop at its row.
+TEST(BitmapConvert, ConvertBitmapStopsAtTheFirstFailingRow) {
+    Handle hls(CS_HLS, CS_RGB);
+    Bitmap b;
+    ASSERT_EQ(Vx_BmpCreate(&b.b, kSize, 1, 3, 24, VX_BMP_ORDER_BGR), STATUS_OK);
+    const std::uint8_t rows[3][3] = {{0, 128, 0}, {10, 100, 0}, {0, 60, 0}};
+    for (int y = 0; y < 3; ++y) std::memcpy(b.b.data + y * b.b.bytesPerLine, rows[y], 3);
+    EXPECT_EQ(Vx_ClrConvertBitmap(hls.h, &b.b, nullptr), ERR_INVALID_TAG);
+    EXPECT_EQ(b.Row(0, 1), (Bytes{128, 128, 128}));
+    EXPECT_EQ(b.Row(2, 1), (Bytes{0, 60, 0}));
+}
+
+TEST(BitmapConvert, AllocationFailuresLeakNothing) {
+    Handle hsv(CS_HSV, CS_RGB), rgb(CS_RGB, CS_HSV);
+    Bytes src(64);
+    Bitmap a;
+    ASSERT_EQ(Vx_BmpCreate(&a.b, kSize, 3, 2, 24, VX_BMP_ORDER_BGR), STATUS_OK);
+    const struct {
+        std::function<int()> run;
+        std::vector<KtStatus> allowed;  // the handle form drops the fill's status
+        int allocations;
+    } cases[] = {
+        {[&] {
+             Bitmap b;
+             return Vx_ClrConvertToBitmap(hsv.h, src.data(), &b.b, kSize, 3, 2, 1, 3);
+         },
+         {ERR_ALLOC, STATUS_OK}, 2},
+        {[&] {
+             Bitmap b;
+             return Vx_ClrConvertDirectToBitmap(CS_HSV, CS_RGB, src.data(), &b.b, kSize, 3, 2, 0, 3);
+         },
+         {ERR_ALLOC}, 2},
+        {[&] { return Vx_ClrConvertBitmap(rgb.h, &a.b, nullptr); }, {ERR_ALLOC}, 1},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(test::ForEachAllocationFailure(c.run,
+                                                 [&](int n, int status) {
+                                                     EXPECT_NE(std::find(c.allowed.begin(), c.allowed.end(), status),
+                                                               c.allowed.end())
+                                                         << "allocation " << n << ": " << status;
+                                                 }),
+                  c.allocations);
+}
+
+}  // namespace
+}  // namespace kt

@@ -1,0 +1,186 @@
+// Bitmap records: creation, filling from a device-independent bitmap, row
+// access and release, every status and every allocation.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "ktclr/bitmap.h"
+#include "support/support.h"
+
+namespace kt {
+namespace {
+
+using test::MappedPages;
+using Access = MappedPages::Access;
+constexpr std::uint32_t kSize = KTCLR_SIZEOF_BITMAP_HANDLE;
+
+Vx_BmpInfoHeader Header(int width, int height, int bits = 24, std::uint32_t imageSize = 0) {
+    Vx_BmpInfoHeader h{};
+    h.size = KTCLR_SIZEOF_BMP_INFO_HEADER;
+    h.width = width;
+    h.height = height;
+    h.planes = 1;
+    h.bitsPerPixel = static_cast<std::uint16_t>(bits);
+    h.imageSize = imageSize;
+    return h;
+}
+
+TEST(Bitmap, CreatePadsRowsToFourBytes) {
+    struct Row {
+        int width, bits, bytesPerLine;
+    };
+    const Row rows[] = {{1, 24, 4}, {3, 24, 12}, {4, 24, 12}, {5, 24, 16}, {1, 8, 4},
+                        {5, 8, 8},  {3, 16, 8},  {2, 32, 8},  {7, 32, 28}};
+    for (const Row& r : rows) {
+        BitmapHandle b;
+        ASSERT_EQ(Vx_BmpCreate(&b, kSize, r.width, 3, r.bits, VX_BMP_ORDER_RGB), STATUS_OK);
+        EXPECT_EQ(b.bytesPerLine, r.bytesPerLine) << r.width << "x" << r.bits;
+        EXPECT_EQ(b.flags, VX_BMP_HAS_DATA);
+        EXPECT_EQ(std::vector<std::uint8_t>(b.data, b.data + 3 * r.bytesPerLine),
+                  std::vector<std::uint8_t>(3 * r.bytesPerLine, 0));
+        EXPECT_EQ(Vx_BmpFree(&b), STATUS_OK);
+        EXPECT_EQ(b.data, nullptr);
+        EXPECT_EQ(b.flags, 0u);
+        EXPECT_EQ(Vx_BmpFree(&b), STATUS_OK);  // an empty bitmap frees nothing
+    }
+}
+
+TEST(Bitmap, RecordStatuses) {
+    BitmapHandle b;
+    MappedPages ro(1, Access::read);
+    auto* readOnly = reinterpret_cast<BitmapHandle*>(ro.data());
+    EXPECT_EQ(Vx_BmpInit(nullptr, kSize), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_BmpInit(&b, kSize + 8), ERR_BAD_STRUCT_SIZE);
+    EXPECT_EQ(Vx_BmpInit(readOnly, kSize), ERR_BAD_POINTER);
+    EXPECT_EQ(Vx_BmpInit(&b, kSize), STATUS_OK);
+    EXPECT_EQ(b.flags, 0u);
+    EXPECT_EQ(Vx_BmpCreate(nullptr, kSize, 1, 1, 24, 0), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_BmpCreate(&b, 40, 1, 1, 24, 0), ERR_BAD_STRUCT_SIZE);
+    EXPECT_EQ(Vx_BmpCreate(readOnly, kSize, 1, 1, 24, 0), ERR_BAD_POINTER);
+    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 0, 1, 24, 0), ERR_BAD_SIZE);
+    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 1, -1, 24, 0), ERR_BAD_SIZE);
+    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 1, 1, 12, 0), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 0x7fffffff, 1, 32, 0), ERR_BAD_SIZE);
+    EXPECT_EQ(Vx_BmpFree(nullptr), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_BmpFree(readOnly), ERR_BAD_POINTER);
+    b.structSize = 40;
+    EXPECT_EQ(Vx_BmpFree(&b), ERR_BAD_STRUCT_SIZE);
+}
+
+TEST(Bitmap, FillTakesRowsTopFirst) {
+    // Two rows of two 24-bit pixels, 8 bytes apart in the source.
+    const std::uint8_t bits[16] = {1, 2, 3, 4, 5, 6, 0xEE, 0xEE, 7, 8, 9, 10, 11, 12, 0xEE, 0xEE};
+    const std::vector<std::uint8_t> top = {1, 2, 3, 4, 5, 6, 0, 0, 7, 8, 9, 10, 11, 12, 0, 0};
+    const std::vector<std::uint8_t> bottom = {7, 8, 9, 10, 11, 12, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0};
+    for (int height : {-2, 2}) {
+        BitmapHandle b;
+        const Vx_BmpInfoHeader h = Header(2, height);
+        ASSERT_EQ(Vx_BmpFillFromDib(&b, kSize, &h, bits), STATUS_OK);
+        EXPECT_EQ(b.height, 2);
+        EXPECT_EQ(b.bytesPerLine, 8);
+        EXPECT_EQ(b.colorOrder, VX_BMP_ORDER_DIB);
+        EXPECT_EQ(std::vector<std::uint8_t>(b.data, b.data + 16), height < 0 ? top : bottom);
+        Vx_BmpFree(&b);
+    }
+}
+
+TEST(Bitmap, FillStatuses) {
+    BitmapHandle b;
+    Vx_BmpInit(&b, kSize);
+    std::uint8_t bits[64] = {};
+    MappedPages pages(1, Access::readWrite);
+    struct Row {
+        Vx_BmpInfoHeader header;
+        const std::uint8_t* bits;
+        KtStatus status;
+    };
+    auto with = [](Vx_BmpInfoHeader h, auto change) {
+        change(h);
+        return h;
+    };
+    const Row rows[] = {
+        {Header(2, 2), nullptr, ERR_INVALID_PARAMETER},
+        {with(Header(2, 2), [](auto& h) { h.size = 39; }), bits, ERR_BAD_STRUCT_SIZE},
+        {with(Header(2, 2), [](auto& h) { h.planes = 2; }), bits, ERR_INVALID_PARAMETER},
+        {with(Header(2, 2), [](auto& h) { h.compression = 1; }), bits, ERR_INVALID_PARAMETER},
+        {with(Header(2, 2), [](auto& h) { h.colorsUsed = 1; }), bits, ERR_INVALID_PARAMETER},
+        {Header(2, 2, 8), bits, ERR_INVALID_PARAMETER},
+        {Header(0, 2), bits, ERR_BAD_SIZE},
+        {Header(2, 0), bits, ERR_BAD_SIZE},
+        // Rows 8 bytes apart, the last without its padding: 14 bytes.
+        {Header(2, 2, 24, 13), bits, ERR_BAD_SIZE},
+        {Header(2, 2, 24, 14), bits, STATUS_OK},
+        {Header(2, 2), pages.end() - 14, STATUS_OK},
+        {Header(2, 2), pages.end() - 13, ERR_BAD_POINTER},
+    };
+    for (const Row& r : rows) {
+        EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize, &r.header, r.bits), r.status) << &r - rows;
+        Vx_BmpFree(&b);
+    }
+    const Vx_BmpInfoHeader h = Header(2, 2);
+    EXPECT_EQ(Vx_BmpFillFromDib(nullptr, kSize, &h, bits), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize - 1, &h, bits), ERR_BAD_STRUCT_SIZE);
+    EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize, nullptr, bits), ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize, reinterpret_cast<const Vx_BmpInfoHeader*>(pages.end() - 39), bits),
+              ERR_BAD_POINTER);
+}
+
+TEST(Bitmap, RowsInsideAccess) {
+    BitmapHandle b;
+    ASSERT_EQ(Vx_BmpCreate(&b, kSize, 2, 3, 24, VX_BMP_ORDER_BGR), STATUS_OK);
+    std::uint8_t row[16] = {9, 8, 7, 6, 5, 4, 3, 2};
+    std::uint8_t out[16] = {};
+    EXPECT_EQ(Vx_BmpGetRow(&b, out, 0, 8), ERR_INVALID_PARAMETER);  // not in access
+    EXPECT_EQ(Vx_BmpAccessEnd(&b), ERR_INVALID_PARAMETER);
+    ASSERT_EQ(Vx_BmpAccessBegin(&b), STATUS_OK);
+    EXPECT_EQ(Vx_BmpPutRow(&b, row, 2, 100), 8);  // clamped to bytesPerLine
+    EXPECT_EQ(Vx_BmpGetRow(&b, out, 2, 3), 3);
+    EXPECT_EQ(std::memcmp(out, row, 3), 0);
+    EXPECT_EQ(Vx_BmpGetRow(&b, out, 1, 8), 8);
+    EXPECT_EQ(out[0], 0);
+    MappedPages ro(1, Access::read);
+    const struct {
+        int row;
+        std::uint32_t bytes;
+        std::uint8_t* buffer;
+        KtStatus get, put;
+    } cases[] = {
+        {-1, 8, out, ERR_INVALID_PARAMETER, ERR_INVALID_PARAMETER},
+        {3, 8, out, ERR_INVALID_PARAMETER, ERR_INVALID_PARAMETER},
+        {0, 0, out, ERR_INVALID_PARAMETER, ERR_INVALID_PARAMETER},
+        {0, 8, nullptr, ERR_INVALID_PARAMETER, ERR_INVALID_PARAMETER},
+        {0, 8, ro.end() - 7, ERR_BAD_POINTER, ERR_BAD_POINTER},
+        {0, 8, ro.end() - 8, ERR_BAD_POINTER, 8},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Vx_BmpGetRow(&b, c.buffer, c.row, c.bytes), c.get) << c.row << " " << c.bytes;
+        EXPECT_EQ(Vx_BmpPutRow(&b, c.buffer, c.row, c.bytes), c.put) << c.row << " " << c.bytes;
+    }
+    EXPECT_EQ(Vx_BmpAccessEnd(&b), STATUS_OK);
+    EXPECT_EQ(Vx_BmpPutRow(&b, row, 0, 8), ERR_INVALID_PARAMETER);
+    b.bytesPerLine = 5;  // shorter than a row: no longer describes the pixels
+    EXPECT_EQ(Vx_BmpAccessBegin(&b), ERR_INVALID_PARAMETER);
+    b.bytesPerLine = 8;
+    Vx_BmpFree(&b);
+    EXPECT_EQ(Vx_BmpAccessBegin(&b), ERR_INVALID_PARAMETER);  // no pixels
+    EXPECT_EQ(Vx_BmpAccessBegin(nullptr), ERR_INVALID_PARAMETER);
+}
+
+TEST(Bitmap, AllocationFailuresLeakNothing) {
+    const std::uint8_t bits[16] = {};
+    const Vx_BmpInfoHeader h = Header(2, 2);
+    BitmapHandle b;
+    const auto run = [&](bool fill) {
+        const KtStatus status = fill ? Vx_BmpFillFromDib(&b, kSize, &h, bits) : Vx_BmpCreate(&b, kSize, 2, 2, 24, 0);
+        if (status == STATUS_OK) Vx_BmpFree(&b);
+        return status;
+    };
+    for (bool fill : {false, true})
+        EXPECT_EQ(test::ForEachAllocationFailure([&] { return run(fill); },
+                                                 [](int, int status) { EXPECT_EQ(status, ERR_ALLOC); }),
+                  1);
+}
+
+}  // namespace
+}  // namespace kt

@@ -1,0 +1,120 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/error_report.h"
+#include "save_support.h"
+#include "support/support.h"
+
+namespace kt::savetest {
+namespace {
+
+// Every status of Vx_SaveICCProfile, the earlier check winning where two
+// apply; the file is never changed by a failing call.
+TEST(SaveStatus, EveryStatusInItsOrder) {
+    test::ScratchDir dir;
+    const std::string jpg = dir.File("a.jpg"), locked = dir.File("locked.gif"), text = dir.File("a.txt"),
+                      png = dir.File("a.png"), cut = dir.File("cut.jpg"), missing = dir.File("missing.jpg");
+    Sh("convert -size 8x8 gradient: " + jpg + " && convert -size 8x8 gradient: " + locked + " && convert -size 8x8 gradient: " + png);
+    chmod(locked.c_str(), 0444);
+    WriteFile(text, "plain text\n");
+    WriteFile(cut, std::string("\xff\xd8\xff\xe0\x00\x10JFIF", 10));
+    const std::u16string wJpg = test::Wide(jpg), wMissing = test::Wide(missing);
+    uint8_t data[4] = {0, 0, 0, 4};
+    const ICCProfileRecord good{32, 4, 0, nullptr, 0, nullptr, nullptr, data};
+    ICCProfileRecord small = good, nullData = good;
+    small.structSize = 28;
+    nullData.profileData = nullptr;
+    const Vx_SaveFileOptions badSize{8, 0, nullptr}, badFlags{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 2, nullptr};
+    const struct {
+        const char* what;
+        const char16_t* name;
+        const ICCProfileRecord* profile;
+        const Vx_SaveFileOptions* options;
+        KtStatus status;
+    } cases[] = {
+        {"null name", nullptr, &good, nullptr, ERR_INVALID_PARAMETER},
+        {"null profile, missing file", wMissing.c_str(), nullptr, nullptr, ERR_INVALID_PARAMETER},
+        {"record size 28, missing file", wMissing.c_str(), &small, nullptr, ERR_BAD_STRUCT_SIZE},
+        {"options size 8, missing file", wMissing.c_str(), &good, &badSize, ERR_BAD_STRUCT_SIZE},
+        {"unknown flag", wJpg.c_str(), &good, &badFlags, ERR_INVALID_PARAMETER},
+        {"size without data, missing file", wMissing.c_str(), &nullData, nullptr, ERR_INVALID_PARAMETER},
+        {"missing file", wMissing.c_str(), &good, nullptr, ERR_FILE_NOT_FOUND},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Vx_SaveICCProfile(c.name, c.profile, c.options), c.status) << c.what;
+
+    const struct {
+        std::string path;
+        KtStatus status;
+    } files[] = {
+        {dir.path(), ERR_FILE_READ},          // a folder
+        {text, ERR_FORMAT_NOT_SUPPORTED},     // readable, no known format
+        {png, ERR_FORMAT_NOT_SUPPORTED},      // a format without a writer
+        {locked, ERR_FILE_CREATE},            // read-only
+        {cut, ERR_FILE_READ},                 // a segment runs past the end
+    };
+    for (const auto& f : files) {
+        const std::string before = ReadFile(f.path);
+        report::Clear();
+        EXPECT_EQ(Save(f.path, "\0\0\0\4"), f.status) << f.path;
+        EXPECT_TRUE(ReadFile(f.path) == before) << f.path;
+        EXPECT_EQ(report::Last(), f.path == locked ? ERR_FILE_CREATE : STATUS_OK) << f.path;  // GIF reports
+    }
+}
+
+// With a backup name, the original's bytes stay under that name.
+TEST(SaveStatus, BackupKeepsTheOriginal) {
+    test::ScratchDir dir;
+    const std::string path = dir.File("a.gif"), backup = dir.File("a.gif.orig");
+    Sh("convert -size 8x8 gradient: " + path);
+    const std::string before = ReadFile(path);
+    const std::u16string wBackup = test::Wide(backup);
+    const Vx_SaveFileOptions options{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0, wBackup.c_str()};
+    ASSERT_EQ(Save(path, Pattern(300), &options), STATUS_OK);
+    EXPECT_TRUE(ReadFile(backup) == before);
+    EXPECT_EQ(ReadFile(path).size(), before.size() - 1 + 14 + 2 + 300 + 2);  // trailer, head, 2 sub-blocks, end
+}
+
+// A failing read, write, flush, rename or allocation at any point leaves the
+// original byte for byte and no temporary behind; only the JPEG segment
+// buffer answers with the positive 8.
+TEST(SaveStatus, AnyFailureLeavesTheOriginal) {
+    test::ScratchDir dir;
+    const std::string png = dir.File("source.png");
+    Sh("convert -size 16x12 gradient:red-blue " + png);
+    Sh("convert " + png + " -profile /usr/share/color/icc/sRGB.icc " + dir.File("a.jpg"));
+    Sh("convert " + png + " " + png + " " + dir.File("a.tif"));
+    Sh("convert " + png + " " + dir.File("a.gif"));
+    Sh("cwebp -quiet " + png + " -o " + dir.File("plain.webp"));
+    Sh("webpmux -set icc /usr/share/color/icc/sRGB.icc " + dir.File("plain.webp") + " -o " + dir.File("icc.webp"));
+    const Vx_SaveFileOptions rules{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, VX_SAVE_WEBP_CONTAINER_RULES, nullptr};
+    const struct {
+        const char* name;
+        const Vx_SaveFileOptions* options;
+    } cases[] = {{"a.jpg", nullptr},   {"a.tif", nullptr},  {"a.gif", nullptr},
+                 {"plain.webp", nullptr}, {"icc.webp", nullptr}, {"plain.webp", &rules}};
+    const std::string profile = Pattern(70000);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.name) + (c.options ? " (container rules)" : ""));
+        const std::string path = dir.File(c.name), before = ReadFile(path);
+        const auto entries = dir.Entries();
+        auto run = [&] {
+            WriteFile(path, before);
+            return Save(path, profile, c.options);
+        };
+        auto unchanged = [&](int n, int status) {
+            EXPECT_TRUE(status < 0 || status == 8) << n << ": " << status;
+            EXPECT_TRUE(ReadFile(path) == before) << n;
+            EXPECT_EQ(dir.Entries(), entries) << n;
+        };
+        int eights = 0;
+        test::ForEachFileFault(run, [&](file::faults::Op, int n, int status) { unchanged(n, status); });
+        test::ForEachAllocationFailure(run, [&](int n, int status) {
+            unchanged(n, status);
+            eights += status == 8;
+        });
+        EXPECT_EQ(eights, std::string(c.name) == "a.jpg" ? 1 : 0);
+    }
+}
+
+}  // namespace
+}  // namespace kt::savetest

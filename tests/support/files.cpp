@@ -1,0 +1,99 @@
+// Files: the scratch folder, whole-file helpers and the file-failure loop.
+#include "support/support.h"
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
+#include "platform/utf16.h"
+
+namespace kt::test {
+
+ScratchDir::ScratchDir() {
+    char tmpl[] = "/tmp/ktclr-test-XXXXXX";
+    if (!mkdtemp(tmpl)) ADD_FAILURE() << "mkdtemp failed";
+    path_ = tmpl;
+}
+
+ScratchDir::~ScratchDir() { Run("rm -rf '" + path_ + "'"); }
+
+std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
+    WriteFile(File(name), std::string(b.begin(), b.end()));
+    return File(name);
+}
+
+std::vector<std::string> ScratchDir::Entries() const {
+    std::vector<std::string> names;
+    if (DIR* d = opendir(path_.c_str())) {
+        while (dirent* e = readdir(d))
+            if (std::string(e->d_name) != "." && std::string(e->d_name) != "..") names.push_back(e->d_name);
+        closedir(d);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string ReadFile(const std::string& path) {
+    struct stat st;
+    if (stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) return "";
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+void WriteFile(const std::string& path, const std::string& bytes) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::u16string Wide(const std::string& utf8) {
+    std::u16string out(utf8.size() + 1, u'\0');
+    out.resize(text::Utf8ToUtf16(utf8.c_str(), utf8.size(), out.data(), out.size()) - 1);
+    return out;
+}
+
+int Run(const std::string& command, std::string* out) {
+    FILE* p = popen(command.c_str(), "r");
+    if (!p) return -1;
+    std::string text;
+    char buffer[65536];
+    for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, p)) > 0;) text.append(buffer, n);
+    const int status = pclose(p);
+    if (out) *out = std::move(text);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int ForEachFileFault(const std::function<int()>& run,
+                     const std::function<void(file::faults::Op, int, int)>& check) {
+    using file::faults::Op;
+    namespace ctl = file::faults::testing;
+    int total = 0;
+    for (int k = 0; k < static_cast<int>(Op::count); ++k) {
+        const auto op = static_cast<Op>(k);
+        for (int n = 1;; ++n) {
+            if (n > 100000) {
+                ADD_FAILURE() << "operation never completed";
+                break;
+            }
+            ctl::FailNth(op, n);
+            const int status = run();
+            const bool fired = ctl::Fired();
+            const int count = static_cast<int>(ctl::Count(op));
+            ctl::Reset();
+            if (!fired) {
+                total += count;
+                break;
+            }
+            check(op, n, status);
+        }
+    }
+    return total;
+}
+
+}  // namespace kt::test
