@@ -1,6 +1,6 @@
 // Conversions into and between bitmaps: the bitmap's rows against the same
-// pixels converted as buffers, row by row; every status in order; every
-// allocation.
+// pixels converted as buffers, row by row; every status in order (every
+// allocation: the table in tests/alloc).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -258,38 +258,6 @@ TEST(BitmapConvert, ConvertBitmapStopsAtTheFirstFailingRow) {
     EXPECT_EQ(Vx_ClrConvertBitmap(hls.h, &b.b, nullptr), ERR_INVALID_TAG);
     EXPECT_EQ(b.Row(0, 1), (Bytes{128, 128, 128}));
     EXPECT_EQ(b.Row(2, 1), (Bytes{0, 60, 0}));
-}
-
-TEST(BitmapConvert, AllocationFailuresLeakNothing) {
-    Handle hsv(CS_HSV, CS_RGB), rgb(CS_RGB, CS_HSV);
-    Bytes src(64);
-    Bitmap a;
-    ASSERT_EQ(Vx_BmpCreate(&a.b, kSize, 3, 2, 24, VX_BMP_ORDER_BGR), STATUS_OK);
-    const struct {
-        std::function<int()> run;
-        std::vector<KtStatus> allowed;  // the handle form drops the fill's status
-        int allocations;
-    } cases[] = {
-        {[&] {
-             Bitmap b;
-             return Vx_ClrConvertToBitmap(hsv.h, src.data(), &b.b, kSize, 3, 2, 1, 3);
-         },
-         {ERR_ALLOC, STATUS_OK}, 2},
-        {[&] {
-             Bitmap b;
-             return Vx_ClrConvertDirectToBitmap(CS_HSV, CS_RGB, src.data(), &b.b, kSize, 3, 2, 0, 3);
-         },
-         {ERR_ALLOC}, 2},
-        {[&] { return Vx_ClrConvertBitmap(rgb.h, &a.b, nullptr); }, {ERR_ALLOC}, 1},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(test::ForEachAllocationFailure(c.run,
-                                                 [&](int n, int status) {
-                                                     EXPECT_NE(std::find(c.allowed.begin(), c.allowed.end(), status),
-                                                               c.allowed.end())
-                                                         << "allocation " << n << ": " << status;
-                                                 }),
-                  c.allocations);
 }
 
 }  // namespace

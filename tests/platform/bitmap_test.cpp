@@ -1,5 +1,5 @@
 // Bitmap records: creation, filling from a device-independent bitmap, row
-// access and release, every status and every allocation.
+// access and release, every status (every allocation: tests/alloc).
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -165,21 +165,6 @@ TEST(Bitmap, RowsInsideAccess) {
     Vx_BmpFree(&b);
     EXPECT_EQ(Vx_BmpAccessBegin(&b), ERR_INVALID_PARAMETER);  // no pixels
     EXPECT_EQ(Vx_BmpAccessBegin(nullptr), ERR_INVALID_PARAMETER);
-}
-
-TEST(Bitmap, AllocationFailuresLeakNothing) {
-    const std::uint8_t bits[16] = {};
-    const Vx_BmpInfoHeader h = Header(2, 2);
-    BitmapHandle b;
-    const auto run = [&](bool fill) {
-        const KtStatus status = fill ? Vx_BmpFillFromDib(&b, kSize, &h, bits) : Vx_BmpCreate(&b, kSize, 2, 2, 24, 0);
-        if (status == STATUS_OK) Vx_BmpFree(&b);
-        return status;
-    };
-    for (bool fill : {false, true})
-        EXPECT_EQ(test::ForEachAllocationFailure([&] { return run(fill); },
-                                                 [](int, int status) { EXPECT_EQ(status, ERR_ALLOC); }),
-                  1);
 }
 
 }  // namespace
