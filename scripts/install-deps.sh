@@ -1,10 +1,11 @@
 #!/bin/sh
 # Installs what ktclr needs on Debian 12: the build dependencies, and with
 # --tests also what the test suite uses (GoogleTest and the ICC profiles of
-# Debian's colour packages, GTK 3, Xvfb and xdotool for the dialog).
+# Debian's colour packages, GTK 3, Xvfb and xdotool for the dialog, clang for
+# the fuzz targets).
 # Runs apt only when something is missing.
 set -eu
-pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev libjpeg-dev libwebp-dev libcli11-dev"
+pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev zlib1g-dev libjpeg-dev libwebp-dev libcli11-dev"
 if [ "${1:-}" = "--tests" ]; then
   pkgs="$pkgs libgtest-dev libbenchmark-dev icc-profiles-free colord-data argyll"
   # GTK 3, Xvfb and xdotool for the dialog tests.
@@ -12,6 +13,8 @@ if [ "${1:-}" = "--tests" ]; then
   # Independent readers and writers of image files for the storage and tool
   # tests; Little CMS's tificc for the tool's ICC conversions.
   pkgs="$pkgs libimage-exiftool-perl imagemagick libjpeg-turbo-progs libtiff-tools webp liblcms2-utils"
+  # clang and its libFuzzer runtime for scripts/fuzz.sh.
+  pkgs="$pkgs clang libclang-rt-14-dev"
 fi
 missing=""
 for p in $pkgs; do

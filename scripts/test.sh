@@ -1,8 +1,8 @@
 #!/bin/sh
 # Installs what the tests need, then builds and runs the whole suite twice,
 # once plainly and once under AddressSanitizer and UndefinedBehaviorSanitizer,
-# and the thread-safety stress tests (label "threads") a third time under
-# ThreadSanitizer.
+# runs the thread-safety stress tests (label "threads") a third time under
+# ThreadSanitizer, then every fuzz target briefly.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh --tests
@@ -18,3 +18,5 @@ cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKTCLR_TSAN=ON -DKTC
 cmake --build build-tsan -j"$jobs" --target ktclr_thread_tests
 TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
   ctest --test-dir build-tsan -L threads -j"$jobs" --output-on-failure --no-tests=error
+# Every fuzz target for 20 seconds, built with clang in build-fuzz.
+scripts/fuzz.sh 20

@@ -14,10 +14,11 @@
 typedef void* (*KtCodecAlloc)(size_t size);
 
 /* Reads the PNG on the open descriptor `fd` from its current position, up to
- * the image data. Returns 1 with *buffer (from `allocate`) and *size holding
- * the decompressed iCCP profile, or 1 with *buffer null and *size 0 when the
- * file has none; -7 (ERR_FILE_READ) when libpng rejects the file; -1
- * (ERR_NO_MEMORY) when `allocate` fails. Does not close `fd`. */
+ * the image data. Returns 1 with *size holding the size of the inflated
+ * iCCP profile in *buffer, or 1 with *size 0 when the file has none; -7
+ * (ERR_FILE_READ) when libpng rejects the file; -1 (ERR_NO_MEMORY) when
+ * `allocate` fails. A non-null *buffer (from `allocate`) is the caller's to
+ * release whatever the result. Does not close `fd`. */
 typedef int32_t (*KtPngExtractICCProfile)(int fd, KtCodecAlloc allocate, uint8_t** buffer, uint32_t* size);
 
 #endif

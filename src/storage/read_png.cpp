@@ -44,7 +44,7 @@ KtStatus ReadPngProfile(file::File& file, Gather& gather) noexcept {
     uint8_t* buffer = nullptr;
     uint32_t size = 0;
     KtStatus status = extract(file.fd(), CodecAlloc, &buffer, &size);
-    if (status == STATUS_OK && buffer) {
+    if (status == STATUS_OK && buffer && size > 0) {
         uint8_t* data = gather.Take(size);
         if (data) std::memcpy(data, buffer, size);
         else status = ERR_NO_MEMORY;

@@ -1,5 +1,5 @@
 // Bitmap records: creation, filling from a device-independent bitmap, row
-// access and release, every status (every allocation: tests/alloc).
+// access and release, and the bounds each checks.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -13,6 +13,7 @@ namespace {
 
 using test::MappedPages;
 using Access = MappedPages::Access;
+using Bytes = std::vector<std::uint8_t>;
 constexpr std::uint32_t kSize = KTCLR_SIZEOF_BITMAP_HANDLE;
 
 Vx_BmpInfoHeader Header(int width, int height, int bits = 24, std::uint32_t imageSize = 0) {
@@ -27,60 +28,35 @@ Vx_BmpInfoHeader Header(int width, int height, int bits = 24, std::uint32_t imag
 }
 
 TEST(Bitmap, CreatePadsRowsToFourBytes) {
-    struct Row {
+    const struct {
         int width, bits, bytesPerLine;
-    };
-    const Row rows[] = {{1, 24, 4}, {3, 24, 12}, {4, 24, 12}, {5, 24, 16}, {1, 8, 4},
-                        {5, 8, 8},  {3, 16, 8},  {2, 32, 8},  {7, 32, 28}};
-    for (const Row& r : rows) {
+    } rows[] = {{1, 24, 4}, {4, 24, 12}, {5, 24, 16}, {5, 8, 8}, {3, 16, 8}, {7, 32, 28}};
+    for (const auto& r : rows) {
         BitmapHandle b;
         ASSERT_EQ(Vx_BmpCreate(&b, kSize, r.width, 3, r.bits, VX_BMP_ORDER_RGB), STATUS_OK);
         EXPECT_EQ(b.bytesPerLine, r.bytesPerLine) << r.width << "x" << r.bits;
         EXPECT_EQ(b.flags, VX_BMP_HAS_DATA);
-        EXPECT_EQ(std::vector<std::uint8_t>(b.data, b.data + 3 * r.bytesPerLine),
-                  std::vector<std::uint8_t>(3 * r.bytesPerLine, 0));
+        EXPECT_EQ(Bytes(b.data, b.data + 3 * r.bytesPerLine), Bytes(3 * r.bytesPerLine, 0));
         EXPECT_EQ(Vx_BmpFree(&b), STATUS_OK);
-        EXPECT_EQ(b.data, nullptr);
-        EXPECT_EQ(b.flags, 0u);
+        EXPECT_TRUE(b.data == nullptr && b.flags == 0u);
         EXPECT_EQ(Vx_BmpFree(&b), STATUS_OK);  // an empty bitmap frees nothing
     }
-}
-
-TEST(Bitmap, RecordStatuses) {
     BitmapHandle b;
-    MappedPages ro(1, Access::read);
-    auto* readOnly = reinterpret_cast<BitmapHandle*>(ro.data());
-    EXPECT_EQ(Vx_BmpInit(nullptr, kSize), ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_BmpInit(&b, kSize + 8), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(Vx_BmpInit(readOnly, kSize), ERR_BAD_POINTER);
-    EXPECT_EQ(Vx_BmpInit(&b, kSize), STATUS_OK);
-    EXPECT_EQ(b.flags, 0u);
-    EXPECT_EQ(Vx_BmpCreate(nullptr, kSize, 1, 1, 24, 0), ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_BmpCreate(&b, 40, 1, 1, 24, 0), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(Vx_BmpCreate(readOnly, kSize, 1, 1, 24, 0), ERR_BAD_POINTER);
-    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 0, 1, 24, 0), ERR_BAD_SIZE);
-    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 1, -1, 24, 0), ERR_BAD_SIZE);
+    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 0x7fffffff, 1, 32, 0), ERR_BAD_SIZE);  // a row beyond 2^31 bytes
     EXPECT_EQ(Vx_BmpCreate(&b, kSize, 1, 1, 12, 0), ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_BmpCreate(&b, kSize, 0x7fffffff, 1, 32, 0), ERR_BAD_SIZE);
-    EXPECT_EQ(Vx_BmpFree(nullptr), ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_BmpFree(readOnly), ERR_BAD_POINTER);
-    b.structSize = 40;
-    EXPECT_EQ(Vx_BmpFree(&b), ERR_BAD_STRUCT_SIZE);
 }
 
 TEST(Bitmap, FillTakesRowsTopFirst) {
     // Two rows of two 24-bit pixels, 8 bytes apart in the source.
     const std::uint8_t bits[16] = {1, 2, 3, 4, 5, 6, 0xEE, 0xEE, 7, 8, 9, 10, 11, 12, 0xEE, 0xEE};
-    const std::vector<std::uint8_t> top = {1, 2, 3, 4, 5, 6, 0, 0, 7, 8, 9, 10, 11, 12, 0, 0};
-    const std::vector<std::uint8_t> bottom = {7, 8, 9, 10, 11, 12, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0};
+    const Bytes top = {1, 2, 3, 4, 5, 6, 0, 0, 7, 8, 9, 10, 11, 12, 0, 0};
+    const Bytes bottom = {7, 8, 9, 10, 11, 12, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0};
     for (int height : {-2, 2}) {
         BitmapHandle b;
         const Vx_BmpInfoHeader h = Header(2, height);
         ASSERT_EQ(Vx_BmpFillFromDib(&b, kSize, &h, bits), STATUS_OK);
-        EXPECT_EQ(b.height, 2);
-        EXPECT_EQ(b.bytesPerLine, 8);
-        EXPECT_EQ(b.colorOrder, VX_BMP_ORDER_DIB);
-        EXPECT_EQ(std::vector<std::uint8_t>(b.data, b.data + 16), height < 0 ? top : bottom);
+        EXPECT_TRUE(b.height == 2 && b.bytesPerLine == 8 && b.colorOrder == VX_BMP_ORDER_DIB);
+        EXPECT_EQ(Bytes(b.data, b.data + 16), height < 0 ? top : bottom);
         Vx_BmpFree(&b);
     }
 }
@@ -90,16 +66,15 @@ TEST(Bitmap, FillStatuses) {
     Vx_BmpInit(&b, kSize);
     std::uint8_t bits[64] = {};
     MappedPages pages(1, Access::readWrite);
-    struct Row {
-        Vx_BmpInfoHeader header;
-        const std::uint8_t* bits;
-        KtStatus status;
-    };
     auto with = [](Vx_BmpInfoHeader h, auto change) {
         change(h);
         return h;
     };
-    const Row rows[] = {
+    const struct {
+        Vx_BmpInfoHeader header;
+        const std::uint8_t* bits;
+        KtStatus status;
+    } rows[] = {
         {Header(2, 2), nullptr, ERR_INVALID_PARAMETER},
         {with(Header(2, 2), [](auto& h) { h.size = 39; }), bits, ERR_BAD_STRUCT_SIZE},
         {with(Header(2, 2), [](auto& h) { h.planes = 2; }), bits, ERR_INVALID_PARAMETER},
@@ -114,14 +89,13 @@ TEST(Bitmap, FillStatuses) {
         {Header(2, 2), pages.end() - 14, STATUS_OK},
         {Header(2, 2), pages.end() - 13, ERR_BAD_POINTER},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize, &r.header, r.bits), r.status) << &r - rows;
         Vx_BmpFree(&b);
     }
     const Vx_BmpInfoHeader h = Header(2, 2);
     EXPECT_EQ(Vx_BmpFillFromDib(nullptr, kSize, &h, bits), ERR_INVALID_PARAMETER);
     EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize - 1, &h, bits), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize, nullptr, bits), ERR_INVALID_PARAMETER);
     EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize, reinterpret_cast<const Vx_BmpInfoHeader*>(pages.end() - 39), bits),
               ERR_BAD_POINTER);
 }
@@ -129,16 +103,13 @@ TEST(Bitmap, FillStatuses) {
 TEST(Bitmap, RowsInsideAccess) {
     BitmapHandle b;
     ASSERT_EQ(Vx_BmpCreate(&b, kSize, 2, 3, 24, VX_BMP_ORDER_BGR), STATUS_OK);
-    std::uint8_t row[16] = {9, 8, 7, 6, 5, 4, 3, 2};
-    std::uint8_t out[16] = {};
+    std::uint8_t row[16] = {9, 8, 7, 6, 5, 4, 3, 2}, out[16] = {};
     EXPECT_EQ(Vx_BmpGetRow(&b, out, 0, 8), ERR_INVALID_PARAMETER);  // not in access
     EXPECT_EQ(Vx_BmpAccessEnd(&b), ERR_INVALID_PARAMETER);
     ASSERT_EQ(Vx_BmpAccessBegin(&b), STATUS_OK);
     EXPECT_EQ(Vx_BmpPutRow(&b, row, 2, 100), 8);  // clamped to bytesPerLine
     EXPECT_EQ(Vx_BmpGetRow(&b, out, 2, 3), 3);
     EXPECT_EQ(std::memcmp(out, row, 3), 0);
-    EXPECT_EQ(Vx_BmpGetRow(&b, out, 1, 8), 8);
-    EXPECT_EQ(out[0], 0);
     MappedPages ro(1, Access::read);
     const struct {
         int row;

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <string>
 
-#include "handmade.h"
+#include "storage_support.h"
+#include "platform/error_report.h"
+#include "storage/png_codec.h"
 
 namespace kt::test {
 namespace {
@@ -16,6 +18,11 @@ const Bytes kTiffProfile = Profile(128, 0x33);
 
 Bytes Seg56(uint32_t type, const Bytes& body, uint32_t length = 0) {
     return Cat({{0xE0}, Be16(length ? length : uint32_t(body.size() + 4)), Be32(type), body});
+}
+
+Bytes Cut(Bytes b, std::size_t n) {
+    b.resize(b.size() - n);
+    return b;
 }
 
 std::string Repeat(const std::string& s, int n) {
@@ -103,6 +110,14 @@ const Case kCases[] = {
     {"psd_profile_past_end", Psd({Cat({Text("8BIM"), Be16(1039), {0, 0}, Be32(0x7FFFFFFF)})}), ERR_FILE_READ, {}},
     {"psd_colour_mode_past_end", Psd({Resource("8BIM", 1039, kWhole)}, 0xFFFFFFF0u), ERR_FILE_READ, {}},
 
+    // PNG: the inflated iCCP body whatever it holds (no ICC header here, a
+    // grey image); a body that does not parse holds no profile.
+    {"png_iccp_taken_as_it_stands", Png(Cat({Text("x"), {0, 0}, Deflate(kWhole)})), STATUS_OK, kWhole},
+    {"png_iccp_stream_cut", Png(Cat({Text("x"), {0, 0}, Cut(Deflate(kWhole), 9)})),
+     ERR_NO_ICC_PROFILE, {}},
+    {"png_iccp_without_name", Png(Cat({{0, 0}, Deflate(kWhole)})), ERR_NO_ICC_PROFILE, {}},
+    {"png_without_iccp", Png({}), ERR_NO_ICC_PROFILE, {}},
+
     // WebP: the ICCP chunk's size rounded up to even, pad byte included.
     {"webp_odd_iccp", Webp({Chunk("VP8 ", Counting(5, 1)), Chunk("ICCP", kC)}), STATUS_OK, Cat({kC, {0}})},
     {"webp_lossless_iccp_first", Webp({Chunk("VP8L", Counting(6, 1)), Chunk("ICCP", kA)}), STATUS_OK, kA},
@@ -111,24 +126,35 @@ const Case kCases[] = {
      ERR_CHUNK_TOO_LARGE, {}},
     {"webp_chunk_past_riff_size", Webp({Chunk("VP8 ", Counting(6, 1)), Chunk("ICCP", kA)}, 30), ERR_CHUNK_TOO_LARGE, {}},
     {"webp_head_cut_short", Webp({Chunk("VP8 ", Counting(6, 1)), Text("ICC")}, 1000), ERR_RIFF_SHORT_READ, {}},
+    {"webp_iccp_data_cut_short", Webp({Chunk("VP8L", Counting(6, 1)), Cat({Text("ICCP"), Le32(7), Counting(7, 0)})}),
+     ERR_RIFF_SHORT_READ, {}},
     {"webp_riff_size_too_small", Webp({Chunk("VP8 ", Counting(6, 1)), Chunk("ICCP", kA)}, 19), ERR_NO_ICC_PROFILE, {}},
 };
 
-TEST(HandmadeFiles, YieldTheirProfileOrStatus) {
+class HandmadeFiles : public ::testing::Test {
+protected:
+    void SetUp() override { storage::testing::ResetPngCodec(KTCLR_TEST_MODULE_DIR); }
+    void TearDown() override { storage::testing::ResetPngCodec(nullptr); }
+};
+
+TEST_F(HandmadeFiles, YieldTheirProfileOrStatus) {
     ScratchDir dir;
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);
         const std::string path = dir.File(c.name);
         WriteAll(path, c.file);
-        const Loaded loaded = Load(path);
+        report::Clear();
+        const auto loaded = Load(path);
         EXPECT_EQ(loaded.status, c.status);
         EXPECT_EQ(loaded.bytes, c.profile);
+        // A RIFF read cut short goes through the error report as well.
+        EXPECT_EQ(report::Last(), c.status == ERR_RIFF_SHORT_READ ? c.status : STATUS_OK);
     }
 }
 
 // Every prefix of every case (a file cut anywhere) ends in a status of the
 // loader's own, never outside the file's bytes (the sanitizer build watches).
-TEST(HandmadeFiles, EveryTruncationEndsInAStatus) {
+TEST_F(HandmadeFiles, EveryTruncationEndsInAStatus) {
     ScratchDir dir;
     const std::string path = dir.File("cut");
     const KtStatus allowed[] = {STATUS_OK, ERR_NO_ICC_PROFILE, ERR_FILE_READ, ERR_FORMAT_NOT_SUPPORTED,
@@ -137,7 +163,7 @@ TEST(HandmadeFiles, EveryTruncationEndsInAStatus) {
         SCOPED_TRACE(c.name);
         for (std::size_t n = 0; n < c.file.size(); n += 1 + n / 16) {
             WriteAll(path, Bytes(c.file.begin(), c.file.begin() + static_cast<std::ptrdiff_t>(n)));
-            const Loaded loaded = Load(path);
+            const auto loaded = Load(path);
             EXPECT_NE(std::find(std::begin(allowed), std::end(allowed), loaded.status), std::end(allowed))
                 << n << " bytes: " << loaded.status;
         }

@@ -1,12 +1,10 @@
 // The narrow twins of the profile file functions: UTF-8 names with accents
 // and CJK reach the same files as their UTF-16 forms; names the locale
-// cannot decode fail with ERR_NO_MEMORY; every allocation.
+// cannot decode fail with ERR_NO_MEMORY.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "ktclr/narrow.h"
 #include "support/support.h"
@@ -116,45 +114,6 @@ TEST(NarrowFiles, Statuses) {
     EXPECT_EQ(Vx_SaveICCProfileA(jpg.c_str(), &source.r, &badBackup), ERR_NO_MEMORY);
     // A record of another size keeps its name pointer unread; the save judges the size.
     EXPECT_EQ(Vx_SaveICCProfileA(jpg.c_str(), &source.r, &shortRecord), ERR_BAD_STRUCT_SIZE);
-}
-
-TEST(NarrowFiles, AllocationFailuresLeakNothing) {
-    ScopedLocale locale("C.UTF-8");
-    ScratchDir dir;
-    Record source(kProfile);
-    const std::string base = BaseJpeg(dir);
-    const std::string icc = dir.File("\xE6\xBC\xA2.icc"), jpg = dir.File("\xE6\xBC\xA2.jpg"), backup = dir.File("b\xC3\xA9.jpg");
-    ASSERT_EQ(Vx_GenerateICCFileA(&source.r, icc.c_str()), STATUS_OK);
-    const Vx_SaveFileOptionsA options{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0, backup.c_str()};
-    const auto loadInto = [&](auto load) {
-        Record r;
-        return load(&r.r);
-    };
-    const struct {
-        std::function<int()> run;
-        std::vector<KtStatus> failed;  // what a failed allocation may give
-    } cases[] = {
-        {[&] { return loadInto([&](ICCProfileRecord* r) { return Vx_FillICCProfileFromICCFileA(icc.c_str(), r); }); },
-         {ERR_NO_MEMORY}},
-        {[&] { return loadInto([&](ICCProfileRecord* r) { return Vx_LoadICCProfileA(jpg.c_str(), r, nullptr); }); },
-         {ERR_NO_MEMORY}},
-        {[&] { return Vx_HasICCProfileA(jpg.c_str(), nullptr) == 1 ? STATUS_OK : ERR_NO_MEMORY; }, {ERR_NO_MEMORY}},
-        {[&] { return Vx_GenerateICCFileA(&source.r, icc.c_str()); }, {ERR_NO_MEMORY}},
-        {[&] {
-             test::WriteFile(jpg, base);
-             return Vx_SaveICCProfileA(jpg.c_str(), &source.r, &options);
-         },
-         {ERR_NO_MEMORY, 8}},  // 8: the JPEG writer's segment buffer
-    };
-    // The save runs first so that the others find a profile in the JPEG.
-    for (int i : {4, 0, 1, 2, 3}) {
-        const int clean = test::ForEachAllocationFailure(cases[i].run, [&](int n, int status) {
-            const auto& ok = cases[i].failed;
-            EXPECT_NE(std::find(ok.begin(), ok.end(), status), ok.end()) << "twin " << i << " allocation " << n
-                                                                          << ": " << status;
-        });
-        EXPECT_GT(clean, 0) << "twin " << i;
-    }
 }
 
 }  // namespace

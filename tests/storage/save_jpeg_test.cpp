@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "save_support.h"
+#include "storage_support.h"
 
-namespace kt::savetest {
+namespace kt::test {
 namespace {
 
 // The marker segments of a JPEG up to its scan, and where the scan starts.
@@ -106,4 +106,4 @@ TEST(SaveJpeg, ReplacesEarlierProfileAndKeepsTheRest) {
 }
 
 }  // namespace
-}  // namespace kt::savetest
+}  // namespace kt::test

@@ -1,23 +1,17 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include "platform/error_report.h"
-#include "save_support.h"
+#include "storage_support.h"
 #include "support/support.h"
 
-namespace kt::savetest {
+namespace kt::test {
 namespace {
 
-// Every status of Vx_SaveICCProfile, the earlier check winning where two
-// apply; the file is never changed by a failing call.
+// The argument checks of Vx_SaveICCProfile, the earlier check winning where
+// two apply (the statuses of the files: load_status_test).
 TEST(SaveStatus, EveryStatusInItsOrder) {
     test::ScratchDir dir;
-    const std::string jpg = dir.File("a.jpg"), locked = dir.File("locked.gif"), text = dir.File("a.txt"),
-                      png = dir.File("a.png"), cut = dir.File("cut.jpg"), missing = dir.File("missing.jpg");
-    Sh("convert -size 8x8 gradient: " + jpg + " && convert -size 8x8 gradient: " + locked + " && convert -size 8x8 gradient: " + png);
-    chmod(locked.c_str(), 0444);
-    WriteFile(text, "plain text\n");
-    WriteFile(cut, std::string("\xff\xd8\xff\xe0\x00\x10JFIF", 10));
+    const std::string jpg = dir.File("a.jpg"), missing = dir.File("missing.jpg");
+    Sh("convert -size 8x8 gradient: " + jpg);
     const std::u16string wJpg = test::Wide(jpg), wMissing = test::Wide(missing);
     uint8_t data[4] = {0, 0, 0, 4};
     const ICCProfileRecord good{32, 4, 0, nullptr, 0, nullptr, nullptr, data};
@@ -41,37 +35,6 @@ TEST(SaveStatus, EveryStatusInItsOrder) {
         {"missing file", wMissing.c_str(), &good, nullptr, ERR_FILE_NOT_FOUND},
     };
     for (const auto& c : cases) EXPECT_EQ(Vx_SaveICCProfile(c.name, c.profile, c.options), c.status) << c.what;
-
-    const struct {
-        std::string path;
-        KtStatus status;
-    } files[] = {
-        {dir.path(), ERR_FILE_READ},          // a folder
-        {text, ERR_FORMAT_NOT_SUPPORTED},     // readable, no known format
-        {png, ERR_FORMAT_NOT_SUPPORTED},      // a format without a writer
-        {locked, ERR_FILE_CREATE},            // read-only
-        {cut, ERR_FILE_READ},                 // a segment runs past the end
-    };
-    for (const auto& f : files) {
-        const std::string before = ReadFile(f.path);
-        report::Clear();
-        EXPECT_EQ(Save(f.path, "\0\0\0\4"), f.status) << f.path;
-        EXPECT_TRUE(ReadFile(f.path) == before) << f.path;
-        EXPECT_EQ(report::Last(), f.path == locked ? ERR_FILE_CREATE : STATUS_OK) << f.path;  // GIF reports
-    }
-}
-
-// With a backup name, the original's bytes stay under that name.
-TEST(SaveStatus, BackupKeepsTheOriginal) {
-    test::ScratchDir dir;
-    const std::string path = dir.File("a.gif"), backup = dir.File("a.gif.orig");
-    Sh("convert -size 8x8 gradient: " + path);
-    const std::string before = ReadFile(path);
-    const std::u16string wBackup = test::Wide(backup);
-    const Vx_SaveFileOptions options{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0, wBackup.c_str()};
-    ASSERT_EQ(Save(path, Pattern(300), &options), STATUS_OK);
-    EXPECT_TRUE(ReadFile(backup) == before);
-    EXPECT_EQ(ReadFile(path).size(), before.size() - 1 + 14 + 2 + 300 + 2);  // trailer, head, 2 sub-blocks, end
 }
 
 // A failing read, write, flush, rename or allocation at any point leaves the
@@ -117,4 +80,4 @@ TEST(SaveStatus, AnyFailureLeavesTheOriginal) {
 }
 
 }  // namespace
-}  // namespace kt::savetest
+}  // namespace kt::test

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "save_support.h"
+#include "storage_support.h"
 
-namespace kt::savetest {
+namespace kt::test {
 namespace {
 
 // Two-page files in each byte order, classic and BigTIFF, one of them with a
@@ -61,4 +61,4 @@ TEST(SaveTiff, BrokenDirectoryIsRefused) {
 }
 
 }  // namespace
-}  // namespace kt::savetest
+}  // namespace kt::test

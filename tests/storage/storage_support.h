@@ -1,13 +1,44 @@
-// Builders of small image files byte by byte, for the cases no tool writes.
+// Helpers of the storage tests: files as byte vectors, the loader and the
+// saver called by UTF-8 path, builders of small image files byte by byte for
+// the cases no tool writes, and the independent readers' view of a file.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
-#include "storage_files.h"
+#include <zlib.h>
+
+#include "ktclr/storage.h"
+#include "support/support.h"
 
 namespace kt::test {
+
+using Bytes = std::vector<uint8_t>;
+
+inline Bytes ReadAll(const std::string& path) {
+    const std::string s = ReadFile(path);
+    return Bytes(s.begin(), s.end());
+}
+inline void WriteAll(const std::string& path, const Bytes& b) { WriteFile(path, std::string(b.begin(), b.end())); }
+inline Bytes Text(const std::string& s) { return Bytes(s.begin(), s.end()); }
+
+struct LoadResult {
+    KtStatus status;
+    Bytes bytes;
+};
+inline LoadResult Load(const std::string& path) {
+    ICCProfileRecord record{};
+    record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
+    const KtStatus status = Vx_LoadICCProfile(Wide(path).c_str(), &record, nullptr);
+    LoadResult out{status, {}};
+    if (record.profileData) out.bytes.assign(record.profileData, record.profileData + record.profileSize);
+    Vx_FreeICCProfile(&record);
+    return out;
+}
 
 inline Bytes Cat(std::initializer_list<Bytes> parts) {
     Bytes out;
@@ -24,12 +55,19 @@ inline Bytes Counting(std::size_t n, uint8_t seed) {
     for (std::size_t i = 0; i < n; ++i) b[i] = uint8_t(seed + i);
     return b;
 }
-// Bytes shaped like a profile: the first four hold the size.
-inline Bytes Profile(uint32_t n, uint8_t seed) {
-    Bytes b = Counting(n, seed);
-    Bytes size = Be32(n);
-    std::copy(size.begin(), size.end(), b.begin());
+// Distinct bytes shaped like a profile: the first four hold the size.
+inline Bytes Profile(uint32_t n, unsigned seed) {
+    Bytes b(n);
+    uint32_t x = seed * 2654435761u + 1;
+    for (std::size_t i = 0; i < n; ++i) {
+        x = x * 1664525u + 1013904223u;
+        b[i] = i < 4 ? uint8_t(n >> (24 - 8 * i)) : uint8_t(x >> 24);
+    }
     return b;
+}
+inline std::string Pattern(std::size_t n, unsigned seed = 1) {
+    const Bytes b = Profile(uint32_t(n), seed);
+    return std::string(b.begin(), b.end());
 }
 
 // JPEG: SOI, the segments, a scan, EOI.
@@ -72,10 +110,42 @@ inline Bytes Psd(std::initializer_list<Bytes> resources, uint32_t colourModeByte
                 Be32(0)});
 }
 
+// PNG: a 1x1 grey image with an iCCP chunk of the given body (none when
+// empty) before its image data.
+inline Bytes Deflate(const Bytes& b) {
+    uLongf n = compressBound(b.size());
+    Bytes out(n);
+    compress(out.data(), &n, b.data(), b.size());
+    out.resize(n);
+    return out;
+}
+inline Bytes PngChunk(const char* type, const Bytes& data) {
+    const Bytes typed = Cat({Text(type), data});
+    return Cat({Be32(uint32_t(data.size())), typed, Be32(uint32_t(crc32(0, typed.data(), uInt(typed.size()))))});
+}
+inline Bytes Png(const Bytes& iccp) {
+    return Cat({{0x89}, Text("PNG\r\n\x1a\n"), PngChunk("IHDR", Cat({Be32(1), Be32(1), {8, 0, 0, 0, 0}})),
+                iccp.empty() ? Bytes{} : PngChunk("iCCP", iccp), PngChunk("IDAT", Deflate({0, 0})), PngChunk("IEND", {})});
+}
+
 // Classic little-endian TIFF whose first directory holds one tag 34675 entry
 // of type 7: its count and its value field as given (offset or inline bytes).
 inline Bytes Tiff(uint32_t count, const Bytes& valueField, const Bytes& tail = {}, uint32_t ifd = 8) {
     return Cat({Text("II"), Le16(42), Le32(ifd), Le16(1), Le16(34675), Le16(7), Le32(count), valueField, Le32(0), tail});
 }
+
+// A profile file of Debian's colour packages.
+std::string RealProfile(const char* name);
+
+// Runs a shell command and expects success.
+void Sh(const std::string& command);
+std::string ShOut(const std::string& command);
+
+KtStatus Save(const std::string& path, const std::string& profile, const Vx_SaveFileOptions* options = nullptr);
+// Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's.
+std::string Loaded(const std::string& path);
+std::string Exiftool(const std::string& path);
+// The pixels as the format's own library decodes them (PPM/PAM text).
+std::string Pixels(const std::string& path);
 
 }  // namespace kt::test

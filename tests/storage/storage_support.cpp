@@ -1,22 +1,6 @@
-#include "save_support.h"
+#include "storage_support.h"
 
-#include <gtest/gtest.h>
-
-#include "storage_files.h"
-
-namespace kt::savetest {
-
-std::string Pattern(std::size_t size, unsigned seed) {
-    std::string s(size, '\0');
-    uint32_t x = seed * 2654435761u + 1;
-    for (auto& c : s) {
-        x = x * 1664525u + 1013904223u;
-        c = static_cast<char>(x >> 24);
-    }
-    // Like a profile, the first four bytes give the size (readers check it).
-    for (std::size_t i = 0; i < 4 && i < size; ++i) s[i] = static_cast<char>(size >> (24 - 8 * i));
-    return s;
-}
+namespace kt::test {
 
 std::string RealProfile(const char* name) {
     std::string bytes = ReadFile(std::string("/usr/share/color/icc/") + name);
@@ -24,11 +8,11 @@ std::string RealProfile(const char* name) {
     return bytes;
 }
 
-void Sh(const std::string& command) { ASSERT_EQ(test::Run(command + " >/dev/null 2>&1"), 0) << command; }
+void Sh(const std::string& command) { ASSERT_EQ(Run(command + " >/dev/null 2>&1"), 0) << command; }
 
 std::string ShOut(const std::string& command) {
     std::string out;
-    EXPECT_EQ(test::Run(command, &out), 0) << command;
+    EXPECT_EQ(Run(command, &out), 0) << command;
     return out;
 }
 
@@ -37,11 +21,11 @@ KtStatus Save(const std::string& path, const std::string& profile, const Vx_Save
     record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
     record.profileSize = static_cast<uint32_t>(profile.size());
     record.profileData = reinterpret_cast<uint8_t*>(const_cast<char*>(profile.data()));
-    return Vx_SaveICCProfile(test::Wide(path).c_str(), &record, options);
+    return Vx_SaveICCProfile(Wide(path).c_str(), &record, options);
 }
 
 std::string Loaded(const std::string& path) {
-    const test::Bytes bytes = test::Load(path).bytes;
+    const Bytes bytes = Load(path).bytes;
     return std::string(bytes.begin(), bytes.end());
 }
 
@@ -54,4 +38,4 @@ std::string Pixels(const std::string& path) {
     return ShOut("convert " + q + " -strip ppm:-");  // ImageMagick: its own GIF reader, libtiff for TIFF
 }
 
-}  // namespace kt::savetest
+}  // namespace kt::test

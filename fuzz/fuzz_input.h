@@ -1,0 +1,79 @@
+// Shared by the fuzz targets: numbers taken off the front of the input, a
+// scratch file holding bytes, profile records that free themselves, and
+// property checks that abort so libFuzzer keeps the input.
+#pragma once
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ktclr.h"
+
+namespace fuzz {
+
+// Reads numbers from the front of the input; zero once it is used up.
+struct Input {
+    const std::uint8_t* data;
+    std::size_t size;
+    std::uint32_t Take(int bytes) {
+        std::uint32_t v = 0;
+        for (int i = 0; i < bytes; ++i, size -= size ? 1 : 0) v = v << 8 | (size ? *data++ : 0);
+        return v;
+    }
+};
+
+inline void Check(bool holds, const char* property) {
+    if (holds) return;
+    fprintf(stderr, "property failed: %s\n", property);
+    abort();
+}
+
+// One file in a folder of its own (saves put their temporaries beside it).
+struct ScratchFile {
+    std::string path;
+    std::u16string wide;
+    ScratchFile() {
+        const char* tmp = getenv("TMPDIR");
+        std::string dir = std::string(tmp && *tmp ? tmp : "/tmp") + "/ktclr-fuzz-XXXXXX";
+        Check(mkdtemp(dir.data()) != nullptr, "scratch folder made");
+        path = dir + "/f";
+        wide.assign(path.begin(), path.end());
+    }
+    void Write(const std::uint8_t* bytes, std::size_t n) const {
+        const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        Check(fd >= 0 && write(fd, bytes, n) == static_cast<ssize_t>(n) && close(fd) == 0, "scratch written");
+    }
+    std::vector<std::uint8_t> Read() const {
+        std::vector<std::uint8_t> bytes;
+        FILE* f = fopen(path.c_str(), "rb");
+        for (int c; f && (c = fgetc(f)) != EOF;) bytes.push_back(static_cast<std::uint8_t>(c));
+        if (f) fclose(f);
+        return bytes;
+    }
+    const KtChar16* name() const { return reinterpret_cast<const KtChar16*>(wide.c_str()); }
+};
+
+struct Profile {
+    ICCProfileRecord r{};
+    Profile() { Vx_InitICCProfile(&r, KTCLR_SIZEOF_ICC_PROFILE_RECORD); }
+    ~Profile() { Vx_FreeICCProfile(&r); }
+    std::vector<std::uint8_t> Image() const { return {r.profileData, r.profileData + (r.profileData ? r.profileSize : 0)}; }
+};
+
+// Reads every tag through the typed calls, releasing each decoded record.
+inline void ReadEveryTag(ICCProfileRecord* r) {
+    for (std::int32_t i = 0; i < r->tagCount && r->tagList; ++i) {
+        alignas(16) std::uint8_t typed[512] = {};
+        const std::uint32_t sig = r->tagList[i].signature;
+        Vx_GetICCTagData(r, typed, sig);
+        Vx_FreeICCTagType(typed, Vx_GetICCTagTypeSig(r, sig));
+    }
+}
+
+}  // namespace fuzz
