@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "fuzz_input.h"
-#include "support/mapped_memory.h"
+#include "support/support.h"
 
 namespace {
 using kt::test::MappedPages;

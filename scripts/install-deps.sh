@@ -7,7 +7,7 @@
 set -eu
 pkgs="build-essential cmake pkg-config binutils liblcms2-dev libtiff-dev libpng-dev zlib1g-dev libjpeg-dev libwebp-dev libcli11-dev"
 if [ "${1:-}" = "--tests" ]; then
-  pkgs="$pkgs libgtest-dev libgmock-dev libbenchmark-dev icc-profiles-free colord-data argyll"
+  pkgs="$pkgs libgtest-dev libbenchmark-dev icc-profiles-free colord-data argyll"
   # GTK 3, Xvfb and xdotool for the dialog tests.
   pkgs="$pkgs libgtk-3-dev xvfb xauth xdotool"
   # Independent readers and writers of image files for the storage and tool

@@ -37,7 +37,12 @@ KTCLR_EXTERN_C_BEGIN
 /* ConversionParams.iccFlags bit 0: no white-on-white fix-up. */
 #define KTCLR_ICC_FLAG_NO_WHITE_FIX 1u
 
-/* Five values handed to the ICC machinery; the first defaults to 50. */
+/* Five values the handle copies and keeps; the conversions do not read
+ * them. values[0] is the white-point choice (KTCLR_WHITE_* of dialog.h;
+ * 50 on a handle made without the record); the settings dialog stores a
+ * custom white point's x in values[1..2] and y in values[3..4], each a
+ * double in native byte order. Vx_ClrSetConversionParams updates values
+ * 0, 1 and 3 only. */
 typedef struct IccOptions {
     uint32_t values[5];
 } IccOptions;
@@ -79,7 +84,7 @@ typedef struct YuvOptions {
 typedef struct LabOptions {
     uint32_t structSize; /* KTCLR_SIZEOF_LAB_OPTIONS */
     uint32_t validMask;  /* bits 1..32, one per range value */
-    int32_t ranges[6];
+    int32_t ranges[6];   /* the Lab tables' range values, in table order */
 } LabOptions;
 
 typedef struct ConversionParams {

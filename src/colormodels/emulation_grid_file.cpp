@@ -1,10 +1,9 @@
 // The custom grid reader. It trusts nothing in the file: every offset and
 // size is checked against the file's real size before it is used, and the
 // directory is read in little-endian order whatever the byte-order mark
-// says (that is how grid files have always been read).
+// says (a grid file marked "MM" is read the same way; the grid file tests
+// pin it).
 #include "colormodels/emulation_grid_file.h"
-
-#include <cerrno>
 
 #include "platform/alloc.h"
 #include "platform/file.h"
@@ -52,11 +51,6 @@ bool ReadAt(file::File& f, std::uint64_t fileSize, std::uint64_t offset, void* o
     return f.Seek(static_cast<std::int64_t>(offset)) && f.ReadExact(out, static_cast<std::size_t>(size));
 }
 
-KtStatus OpenFailure() {
-    const int e = errno;
-    return e > STATUS_OK ? e : ERR_FILE_READ;  // never a value that reads as success
-}
-
 KtStatus ReadDirectory(file::File& f, std::uint64_t size, Fields& fields) {
     std::uint8_t head[8];
     if (!ReadAt(f, size, 0, head, 2)) return ERR_FILE_READ;
@@ -82,7 +76,7 @@ KtStatus ReadGridFile(const char16_t* path, std::uint32_t samples, std::uint32_t
                       std::uint8_t** grid) noexcept {
     *grid = nullptr;
     file::File f;
-    if (!f.Open(path, file::Mode::read, kModule)) return OpenFailure();
+    if (!f.Open(path, file::Mode::read, kModule)) return ERR_FILE_READ;
     const std::int64_t fileSize = f.Size();
     if (fileSize < 0) return ERR_FILE_READ;
     const auto size = static_cast<std::uint64_t>(fileSize);

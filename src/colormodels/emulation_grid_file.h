@@ -16,8 +16,8 @@ inline constexpr std::uint64_t kMinPixels4 = 83520;  // 17^4 - 1
 
 // Reads the grid of `path` expecting `samples` (3 or 4) per pixel. On
 // STATUS_OK *grid is a block from the library allocator of at least
-// `minBytes` bytes, zero beyond what the file supplied. When the file cannot
-// be opened the status is the system's error number (positive).
+// `minBytes` bytes, zero beyond what the file supplied. A file that cannot
+// be opened or read is ERR_FILE_READ.
 KtStatus ReadGridFile(const char16_t* path, std::uint32_t samples, std::uint32_t minBytes,
                       std::uint8_t** grid) noexcept;
 

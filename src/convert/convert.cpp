@@ -26,7 +26,8 @@ struct Strides {
 using color::rows::RowBytes;
 std::int64_t RoundUp(std::int64_t stride, int align) { return stride + (align - stride % align) % align; }
 
-// Rounded to the alignments only when both are given.
+// Rounded to the alignments only when both are given; one alignment of 0
+// leaves both strides unrounded (ConvertChecks.BuffersAreProbedOverTheirStrides).
 Strides StridesOf(const ClrHandle* h, int width, int srcAlign, int dstAlign) {
     Strides s{RowBytes(color::BitsPerPixel(h->srcSpace), width), RowBytes(color::BitsPerPixel(h->dstSpace), width)};
     if (srcAlign != 0 && dstAlign != 0) {
@@ -70,7 +71,7 @@ KtStatus IccRow(const ClrHandle* h, cmsHTRANSFORM transform, std::uint8_t* in, s
     if (h->srcSpace == CS_YCCK && h->ycckTable) {
         if (!inPlace) {
             scratch = static_cast<std::uint8_t*>(KT_ALLOC(n * 4));
-            if (!scratch) return 0;  // nothing converted; the caller stops here
+            if (!scratch) return ERR_ALLOC;  // nothing converted; the caller stops here
             color::YcckToCmykPixels(*h->ycckTable, in, scratch, n);
             from = scratch;
         } else {
@@ -120,7 +121,8 @@ KtStatus Emulation(const ClrHandle* h, const std::uint8_t* src, std::uint8_t* ds
         h->method == METHOD_BUILTIN_EMULATION ? h->builtinEmulationTable : h->customEmulationTable;
     const int from = h->srcSpace, to = h->dstSpace;
     if (IsHub(from) && to == CS_CMYK) {
-        // Read as B,G,R whatever the source order.
+        // Read as B,G,R whatever the source order
+        // (ConvertDispatch.EmulationBranchAndUnknownMethods).
         color::RgbToCmyk(src, dst, width, height, srcAlign, dstAlign, BlackOf(h), 0);
         return STATUS_OK;
     }
@@ -159,6 +161,8 @@ extern "C" KTCLR_API KtStatus Vx_ClrConvert(ClrHandle* handle, uint8_t* src, uin
         return STATUS_OK;
     }
     if (handle->PathKind == KTCLR_PATH_TWO_STEP) {
+        // The direct conversion's status is dropped: a two-step pair always
+        // answers STATUS_OK (ConvertDispatch.BuiltinExtrasAndSilentPairs).
         (void)Vx_ClrConvertDirect(handle->srcSpace, handle->dstSpace, src, dst, width, height, srcAlign, dstAlign);
         return STATUS_OK;
     }

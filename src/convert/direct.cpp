@@ -32,7 +32,8 @@ std::size_t Extent(int space, int width, int height, int pad) {
 }
 
 // Equal spaces: one block when both paddings are below 2, else one row
-// length per row, each side advancing by its padding alone.
+// length per row, each side advancing by its padding alone, so that rows
+// overlap (ConvertDirect.EqualSpacesCopy).
 void CopyRows(int space, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad) {
     const std::size_t row = static_cast<std::size_t>(color::BitsPerPixel(space)) * width / 8;
     if (srcPad < 2 && dstPad < 2) {
@@ -78,7 +79,8 @@ extern "C" KTCLR_API KtStatus Vx_ClrConvertDirect(int srcSpace, int dstSpace, ui
     if ((status = CheckLayout(dstSpace, width, height, dst)) != STATUS_OK) return status;
     if (kt::platform::IsBadReadPtr(src, Extent(srcSpace, width, height, srcPad))) return ERR_BAD_POINTER;
     if (kt::platform::IsBadWritePtr(dst, Extent(dstSpace, width, height, dstPad))) return ERR_BAD_POINTER;
-    // In place, equal paddings are refused and different ones copied.
+    // In place, equal paddings are refused and different ones copied: the
+    // reverse of Vx_ClrConvert's rule (ConvertDirect.ChecksInOrder).
     if (src == dst && srcSpace == dstSpace && srcPad == dstPad) return ERR_SAME_BUFFER;
     if (srcSpace == dstSpace) {
         CopyRows(srcSpace, src, dst, width, height, srcPad, dstPad);

@@ -4,6 +4,7 @@
 #include "convert/emulation_setup.h"
 #include "colormodels/lab_tables.h"
 #include "colormodels/ycck_table.h"
+#include "convert/handle_draft.h"
 #include "convert/handle_internal.h"
 #include "convert/icc_format.h"
 #include "convert/icc_setup.h"
@@ -20,37 +21,6 @@ constexpr std::int32_t kGammaPercent = 45;
 constexpr std::uint32_t kDefaultIccOption = 50;
 constexpr std::uint32_t kKnownMethods = METHOD_BUILTIN | METHOD_ICC | METHOD_CUSTOM_ICC |
                                         METHOD_BUILTIN_EMULATION | METHOD_CUSTOM_EMULATION;
-
-void FreeProfileMemory(ProfileMemory*& m) {
-    if (!m) return;
-    if (m->data) KT_FREE(m->data);
-    KT_FREE(m);
-    m = nullptr;
-}
-
-template <class T>
-void FreeField(T*& field) {
-    if (field) KT_FREE(field);
-    field = nullptr;
-}
-
-// Undoes a half-built handle after a failure in the later set-up steps, in
-// this order, then frees the block and its list node.
-void CleanUp(ClrHandle* h) {
-    FreeField(h->rgbToLabTable);
-    FreeField(h->labTable);
-    FreeField(h->yuvOptions);
-    FreeField(h->cmykOptions);
-    if (h->customIccTransform) DeleteIccTransform(h->customIccTransform);
-    if (h->iccTransform) DeleteIccTransform(h->iccTransform);
-    FreeProfileMemory(h->srcProfileMemory);
-    FreeProfileMemory(h->dstProfileMemory);
-    FreeField(h->iccOptions);
-    FreeCustomEmulationTable(h);
-    FreeField(h->ycckTable);
-    KT_FREE(h);
-    registry::Remove(h);
-}
 
 KtStatus NewYcckTable(ClrHandle* h) {
     h->ycckTable = static_cast<YcckTable*>(KT_ALLOC(sizeof(YcckTable)));
@@ -69,71 +39,60 @@ std::uint32_t ChooseMethod(int src, int dst) {
 }
 
 KtStatus InitIdentity(ClrHandle** out, int space) {
-    auto* h = static_cast<ClrHandle*>(KT_ALLOC_ZERO(sizeof(ClrHandle)));
-    if (!h) return ERR_ALLOC;
-    h->structSize = KTCLR_SIZEOF_CLR_HANDLE;
+    HandleDraft h;
+    if (!h.Allocate()) return ERR_ALLOC;
     h->srcSpace = space;
     h->dstSpace = space;
-    if (!registry::Append(h)) {
-        KT_FREE(h);
-        return ERR_ALLOC;
-    }
-    *out = h;
-    return STATUS_OK;
+    if (!h.Register()) return ERR_ALLOC;
+    return h.Publish(out);
 }
 
-KtStatus InitWithoutParams(ClrHandle** out, ClrHandle* h, int src, int dst) {
+KtStatus InitWithoutParams(ClrHandle** out, HandleDraft& h, int src, int dst) {
     h->method = METHOD_BUILTIN;
     h->preparedMethods = METHOD_BUILTIN;
     h->PathKind = (IsRgbSide(src) || IsRgbSide(dst)) ? KTCLR_PATH_ONE_STEP : KTCLR_PATH_TWO_STEP;
     h->srcSpace = src;
     h->dstSpace = dst;
-    if (!registry::Append(h)) {
-        KT_FREE(h);
-        return ERR_ALLOC;
-    }
+    if (!h.Register()) return ERR_ALLOC;
     h->gammaPercent = kGammaPercent;
-    if (Either(src, dst, CS_YCCK) && NewYcckTable(h) != STATUS_OK) {
-        KT_FREE(h);
-        registry::Remove(h);
-        return ERR_ALLOC;
-    }
-    *out = h;
-    return STATUS_OK;
+    if (Either(src, dst, CS_YCCK) && NewYcckTable(h.get()) != STATUS_OK) return ERR_ALLOC;
+    return h.Publish(out);
 }
 
-// Steps 17 to 20: option records and tables. Some failures deliberately
-// return without clean-up, leaving the half-built handle on the list.
-KtStatus CopyOptions(ClrHandle* h, int src, int dst, const ConversionParams* p) {
+// The option records and the tables they ask for. An unreadable record, or
+// a CMYK record of the wrong size, abandons the half-built handle on the
+// list (HandleInit.BadOptionRecords and LibraryFrame.UnloadSweep pin this);
+// every other failure releases it.
+KtStatus CopyOptions(HandleDraft& h, int src, int dst, const ConversionParams* p) {
     if (Either(src, dst, CS_CMYK) && p->cmykOptions) {
-        if (platform::IsBadReadPtr(p->cmykOptions, sizeof(CmykOptions))) return ERR_BAD_POINTER;
-        if (p->cmykOptions->structSize != KTCLR_SIZEOF_CMYK_OPTIONS) return ERR_BAD_STRUCT_SIZE;
+        if (platform::IsBadReadPtr(p->cmykOptions, sizeof(CmykOptions))) return h.Abandon(ERR_BAD_POINTER);
+        if (p->cmykOptions->structSize != KTCLR_SIZEOF_CMYK_OPTIONS) return h.Abandon(ERR_BAD_STRUCT_SIZE);
         h->cmykOptions = static_cast<CmykOptions*>(KT_ALLOC(sizeof(CmykOptions)));
-        if (!h->cmykOptions) return CleanUp(h), ERR_ALLOC;
+        if (!h->cmykOptions) return ERR_ALLOC;
         std::memcpy(h->cmykOptions, p->cmykOptions, sizeof(CmykOptions));
     }
     if (Either(src, dst, CS_YUV) && p->yuvOptions) {
-        if (platform::IsBadReadPtr(p->yuvOptions, sizeof(YuvOptions))) return ERR_BAD_POINTER;
-        if (p->yuvOptions->structSize != KTCLR_SIZEOF_YUV_OPTIONS) return CleanUp(h), ERR_BAD_STRUCT_SIZE;
+        if (platform::IsBadReadPtr(p->yuvOptions, sizeof(YuvOptions))) return h.Abandon(ERR_BAD_POINTER);
+        if (p->yuvOptions->structSize != KTCLR_SIZEOF_YUV_OPTIONS) return ERR_BAD_STRUCT_SIZE;
         h->yuvOptions = static_cast<YuvOptions*>(KT_ALLOC(sizeof(YuvOptions)));
-        if (!h->yuvOptions) return CleanUp(h), ERR_ALLOC;
+        if (!h->yuvOptions) return ERR_ALLOC;
         std::memcpy(h->yuvOptions, p->yuvOptions, sizeof(YuvOptions));
     }
     if (Either(src, dst, CS_LAB) && p->labOptions) {
         const LabOptions* lab = p->labOptions;
-        if (platform::IsBadReadPtr(lab, sizeof(LabOptions))) return ERR_BAD_POINTER;
-        if (lab->structSize != KTCLR_SIZEOF_LAB_OPTIONS) return CleanUp(h), ERR_BAD_STRUCT_SIZE;
+        if (platform::IsBadReadPtr(lab, sizeof(LabOptions))) return h.Abandon(ERR_BAD_POINTER);
+        if (lab->structSize != KTCLR_SIZEOF_LAB_OPTIONS) return ERR_BAD_STRUCT_SIZE;
         h->labTable = static_cast<LabTable*>(KT_ALLOC(sizeof(LabTable)));
-        if (!h->labTable) return CleanUp(h), ERR_ALLOC;
+        if (!h->labTable) return ERR_ALLOC;
         color::SetLabTableHeader(h->labTable, color::kInitWhitePoint, lab->ranges, color::kXyzToRgbMatrix);
         color::FillLabTable(h->labTable, h->gammaPercent);
         h->rgbToLabTable = static_cast<RgbToLabTable*>(KT_ALLOC(sizeof(RgbToLabTable)));
-        if (!h->rgbToLabTable) return CleanUp(h), ERR_ALLOC;
+        if (!h->rgbToLabTable) return ERR_ALLOC;
         color::SetRgbToLabTableHeader(h->rgbToLabTable, color::kInitWhitePoint, lab->ranges,
                                       color::kRgbToXyzMatrix);
         color::FillRgbToLabTable(h->rgbToLabTable, h->gammaPercent);
     }
-    if (Either(src, dst, CS_YCCK) && NewYcckTable(h) != STATUS_OK) return CleanUp(h), ERR_ALLOC;
+    if (Either(src, dst, CS_YCCK) && NewYcckTable(h.get()) != STATUS_OK) return ERR_ALLOC;
     return STATUS_OK;
 }
 
@@ -154,29 +113,17 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
     if (src == dst && (!p || !(p->prepareMethods & METHOD_CUSTOM_ICC))) return InitIdentity(out, src);
     if (!IsKnownSpace(src) || !IsKnownSpace(dst)) return ERR_UNSUPPORTED_SPACE;
 
-    auto* h = static_cast<ClrHandle*>(KT_ALLOC_ZERO(sizeof(ClrHandle)));
-    if (!h) return ERR_ALLOC;
-    h->structSize = KTCLR_SIZEOF_CLR_HANDLE;
+    HandleDraft h;
+    if (!h.Allocate()) return ERR_ALLOC;
     if (!p) return InitWithoutParams(out, h, src, dst);
 
-    if (p->method == METHOD_BUILTIN_EMULATION && p->emulationMethod != METHOD_BUILTIN_EMULATION) {
-        KT_FREE(h);
+    if (p->method == METHOD_BUILTIN_EMULATION && p->emulationMethod != METHOD_BUILTIN_EMULATION)
         return ERR_INVALID_PARAMETER;
-    }
-    if (!registry::Append(h)) {
-        KT_FREE(h);
-        return ERR_ALLOC;
-    }
-    auto failEarly = [h](KtStatus status) {
-        FreeField(h->iccOptions);
-        KT_FREE(h);
-        registry::Remove(h);
-        return status;
-    };
+    if (!h.Register()) return ERR_ALLOC;
     h->iccOptions = static_cast<IccOptions*>(KT_ALLOC(sizeof(IccOptions)));
-    if (!h->iccOptions) return failEarly(ERR_ALLOC);
+    if (!h->iccOptions) return ERR_ALLOC;
     if (p->iccOptions) {
-        if (platform::IsBadReadPtr(p->iccOptions, sizeof(IccOptions))) return failEarly(ERR_BAD_POINTER);
+        if (platform::IsBadReadPtr(p->iccOptions, sizeof(IccOptions))) return ERR_BAD_POINTER;
         std::memcpy(h->iccOptions, p->iccOptions, sizeof(IccOptions));
     } else {
         std::memset(h->iccOptions, 0, sizeof(IccOptions));
@@ -184,7 +131,8 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
     }
 
     // The automatic choice is written into the caller's record for the
-    // call's duration; 32 goes back only on success.
+    // call's duration; 32 goes back only on success, so a later failure
+    // leaves the chosen bit there (HandleInit.AutomaticChoice).
     bool chose = false;
     if (p->prepareMethods == METHOD_AUTO && p->method == METHOD_AUTO) {
         const std::uint32_t choice = ChooseMethod(src, dst);
@@ -195,7 +143,7 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
         }
     }
     const std::uint32_t prepare = p->prepareMethods;
-    if (!(prepare & kKnownMethods) || !(p->method & prepare)) return failEarly(ERR_BAD_METHOD);
+    if (!(prepare & kKnownMethods) || !(p->method & prepare)) return ERR_BAD_METHOD;
 
     h->method = p->method;
     h->preparedMethods = prepare;
@@ -206,33 +154,24 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
     KtStatus status = STATUS_OK;
     if ((prepare & METHOD_ICC) && h->PathKind == KTCLR_PATH_ONE_STEP) {
         const std::uint32_t flags = p->structSize == KTCLR_SIZEOF_CONVERSION_PARAMS_EX ? p->iccFlags : 0;
-        if (!IccFormatFor(src, &h->srcFormat) || !IccFormatFor(dst, &h->dstFormat)) {
-            CleanUp(h);
-            return ERR_BAD_COLOR_SPACE;
-        }
-        status = BuildBuiltinIccTransform(h, flags);
-        if (status != STATUS_OK) return CleanUp(h), status;
+        if (!IccFormatFor(src, &h->srcFormat) || !IccFormatFor(dst, &h->dstFormat)) return ERR_BAD_COLOR_SPACE;
+        if ((status = BuildBuiltinIccTransform(h.get(), flags)) != STATUS_OK) return status;
     }
     if (h->PathKind == KTCLR_PATH_TWO_STEP) {
         h->srcFormat = static_cast<std::uint32_t>(src);
         h->dstFormat = static_cast<std::uint32_t>(dst);
     }
     if (prepare & METHOD_CUSTOM_ICC) {
-        status = SetupCustomIcc(h, src, dst, p);
-        if (status != STATUS_OK) return CleanUp(h), status;
+        if ((status = SetupCustomIcc(h.get(), src, dst, p)) != STATUS_OK) return status;
         h->PathKind = KTCLR_PATH_ONE_STEP;
     }
     if (prepare & METHOD_BUILTIN_EMULATION) {
-        status = SelectEmulationTable(h, src, dst, p, false);
-        if (status != STATUS_OK) return CleanUp(h), status;
+        if ((status = SelectEmulationTable(h.get(), src, dst, p, false)) != STATUS_OK) return status;
     }
     if (prepare & METHOD_CUSTOM_EMULATION) {
-        status = SelectEmulationTable(h, src, dst, p, true);
-        if (status > STATUS_OK) status = ERR_FILE_READ;
-        if (status != STATUS_OK) return CleanUp(h), status;
+        if ((status = SelectEmulationTable(h.get(), src, dst, p, true)) != STATUS_OK) return status;
     }
-    status = CopyOptions(h, src, dst, p);
-    if (status != STATUS_OK) return status;
+    if ((status = CopyOptions(h, src, dst, p)) != STATUS_OK) return status;
 
     h->srcSpace = src;
     h->dstSpace = dst;
@@ -240,8 +179,7 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
         p->prepareMethods = METHOD_AUTO;
         p->method = METHOD_AUTO;
     }
-    *out = h;
-    return STATUS_OK;
+    return h.Publish(out);
 }
 
 // Every validation failure answers the same status, so the order of the
@@ -257,7 +195,7 @@ KtStatus Free(ClrHandle* h) noexcept {
     // Validation and removal are one step, so two threads cannot both free
     // one handle.
     if (!registry::Take(h)) return ERR_INVALID_COLOR_HANDLE;
-    DestroyHandle(h);
+    ReleaseHandle(h);
     return STATUS_OK;
 }
 
@@ -265,22 +203,6 @@ KtStatus Free(ClrHandle* h) noexcept {
 
 void CopyPath(KtChar16* dst, const KtChar16* src) noexcept {
     text::Utf16Copy(dst, KTCLR_HANDLE_PATH_UNITS, src);
-}
-
-void DestroyHandle(ClrHandle* h) noexcept {
-    FreeField(h->cmykOptions);
-    FreeField(h->yuvOptions);
-    FreeField(h->labTable);
-    FreeField(h->rgbToLabTable);
-    FreeField(h->ycckTable);
-    FreeField(h->iccOptions);
-    if ((h->preparedMethods & METHOD_ICC) && h->iccTransform) DeleteIccTransform(h->iccTransform);
-    if ((h->preparedMethods & METHOD_CUSTOM_ICC) && h->customIccTransform)
-        DeleteIccTransform(h->customIccTransform);
-    FreeCustomEmulationTable(h);
-    FreeProfileMemory(h->srcProfileMemory);
-    FreeProfileMemory(h->dstProfileMemory);
-    KT_FREE(h);
 }
 
 }  // namespace kt::convert

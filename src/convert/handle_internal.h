@@ -22,8 +22,4 @@ inline bool IsKnownSpace(int space) { return color::FindSpace(space) != nullptr;
 // 259 characters and a terminator.
 void CopyPath(KtChar16* dst, const KtChar16* src) noexcept;
 
-// Frees everything a live handle owns, in the order of Vx_ClrFree, and the
-// handle block itself. The handle must already be off the list.
-void DestroyHandle(ClrHandle* h) noexcept;
-
 }  // namespace kt::convert

@@ -52,7 +52,7 @@ KtStatus TakeSide(const ProfileMemory* memory, const KtChar16* path, ProfileMemo
     return STATUS_OK;
 }
 
-IccProfileSource Kept(const ProfileMemory* memory, const KtChar16* path) {
+IccProfileSource Held(const ProfileMemory* memory, const KtChar16* path) {
     IccProfileSource s;
     if (memory) {
         s.bytes = memory->data;
@@ -85,8 +85,8 @@ KtStatus SetupCustomIcc(ClrHandle* h, int src, int dst, const ConversionParams* 
 KtStatus RebuildCustomIccTransform(ClrHandle* h, std::uint32_t iccFlags) noexcept {
     KtStatus status = STATUS_OK;
     h->customIccTransform =
-        BuildIccTransform(h->srcFormat, h->dstFormat, iccFlags, Kept(h->srcProfileMemory, h->srcProfilePath),
-                          Kept(h->dstProfileMemory, h->dstProfilePath), &status);
+        BuildIccTransform(h->srcFormat, h->dstFormat, iccFlags, Held(h->srcProfileMemory, h->srcProfilePath),
+                          Held(h->dstProfileMemory, h->dstProfilePath), &status);
     return status;
 }
 

@@ -75,8 +75,9 @@ KtStatus ApplyYuv(YuvOptions* mine, const YuvOptions* rec) {
 
 KtStatus ChangeYuv(ClrHandle* h, const ConversionParams* p, MadeHere& made) {
     if (!Either(h->srcSpace, h->dstSpace, CS_YUV)) return ERR_BAD_METHOD;
-    // The CMYK pointer is the one tested here; that is how the call has
-    // always behaved.
+    // A change of the YUV options is refused without a CMYK record: the
+    // CMYK pointer is the one tested here, deliberately
+    // (SetParams.YuvOptionsTestTheCmykPointer pins it).
     if (!p->cmykOptions) return ERR_INVALID_PARAMETER;
     const YuvOptions* rec = p->yuvOptions;
     if (!rec) return ERR_INVALID_PARAMETER;
@@ -158,7 +159,8 @@ KtStatus ChangeCustomEmulation(ClrHandle* h, const ConversionParams* p) {
     CopyPath(h->emulationTablePath, p->emulationTablePath);
     FreeCustomEmulationTable(h);
     const int src = h->srcSpace, dst = h->dstSpace;
-    // Only these two pairs reload; the loader's status is not reported.
+    // Only these two pairs reload, fewer than the conversions that use a
+    // custom grid; the loader's status is not reported.
     if ((src == CS_CMYK && IsRgbSide(dst)) || (src == CS_RGB && dst == CS_LAB))
         SelectEmulationTable(h, src, dst, p, true);
     return STATUS_OK;

@@ -72,13 +72,17 @@ extern "C" KTCLR_API void Vx_ClrIntFreeICCData(ICCProfileRecord* record) {
     record->profileData = nullptr;
 }
 
+// Vx_FreeICCProfile answers 0, which is no status at all, whatever it does
+// (ProfileRecord.FreeKeepsTheTagCountGate pins it).
+constexpr KtStatus kFreeAnswer = static_cast<KtStatus>(0);
+
 extern "C" KTCLR_API KtStatus Vx_FreeICCProfile(ICCProfileRecord* record) {
-    if (!record) return 0;
+    if (!record) return kFreeAnswer;
     Vx_ClrIntFreeTagList(record);
     if (record->header) {
         KT_FREE(record->header);
         record->header = nullptr;
     }
     Vx_ClrIntFreeICCData(record);
-    return 0;
+    return kFreeAnswer;
 }

@@ -15,8 +15,8 @@ void* AllocZero(std::size_t size, Module module, int line) noexcept;
 void* Realloc(void* block, std::size_t size, Module module, int line) noexcept;
 void Free(void* block, Module module, int line) noexcept;
 
-// Large blocks (profile images) come from a separate pair, as callers of the
-// toolkit expect; they are counted like the others.
+// Large blocks (profile images) come from a separate pair, so that a block
+// is always freed by the pair that made it; they are counted like the others.
 void* AllocLarge(std::size_t size, Module module, int line) noexcept;
 void FreeLarge(void* block, Module module, int line) noexcept;
 

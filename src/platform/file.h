@@ -36,6 +36,7 @@ public:
     bool Seek(std::int64_t offset) noexcept;
     // -1 when unknown.
     std::int64_t Size() const noexcept;
+    // Flushes the file's data to the disk.
     bool Sync() noexcept;
     int fd() const noexcept { return fd_; }
 

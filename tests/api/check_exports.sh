@@ -1,9 +1,10 @@
 #!/bin/sh
 # Fails when the shared library exports anything but the Vx_ functions (and
 # SetResModule), when a function the public headers declare is not exported,
-# when a declaration is undocumented, or when the library lacks its
-# versioned SONAME. A KTCLR_API declaration counts as documented when the
-# line right above its first line ends a comment ("*/").
+# when a declaration or a status is undocumented, or when the library lacks
+# its versioned SONAME. A KTCLR_API declaration counts as documented when
+# the line right above its first line ends a comment ("*/"); a status when
+# its line in status.h carries a comment.
 set -eu
 lib="$1"
 major="$2"
@@ -25,6 +26,10 @@ undocumented=$(awk 'FNR == 1 { prev = "" }
   { prev = $0 }' "$include"/ktclr/*.h)
 if [ -n "$undocumented" ]; then
   echo "declarations without a comment right above them:"; printf '%s\n' "$undocumented"; exit 1
+fi
+bare=$(grep -n -E '^[[:space:]]*(STATUS|ERR|WARN)_[A-Z0-9_]+ = ' "$include"/ktclr/status.h | grep -v '/\*' || true)
+if [ -n "$bare" ]; then
+  echo "statuses without a comment:"; printf '%s\n' "$bare"; exit 1
 fi
 soname=$(objdump -p "$lib" | awk '/SONAME/ {print $2}')
 [ "$soname" = "libktclr.so.$major" ] || { echo "SONAME is '$soname'"; exit 1; }

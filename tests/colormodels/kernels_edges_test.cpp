@@ -11,7 +11,7 @@
 
 #include "colormodels/kernel_cases.h"
 #include "colormodels/lab_engine.h"
-#include "support/mapped_memory.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

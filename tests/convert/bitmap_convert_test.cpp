@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "ktclr/bitmap.h"
-#include "support/mapped_memory.h"
-#include "support/params.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

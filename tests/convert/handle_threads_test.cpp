@@ -1,5 +1,6 @@
-// Creating, validating and freeing handles from several threads at once.
-// Run under ThreadSanitizer with -DKTCLR_TSAN=ON.
+// Handles from several threads at once: creating, validating and freeing
+// them, and converting through distinct handles of every method while
+// others come and go. Run under ThreadSanitizer by the threads label.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -7,7 +8,7 @@
 #include <vector>
 
 #include "convert/registry.h"
-#include "ktclr/convert.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {
@@ -48,6 +49,43 @@ TEST(HandleThreads, CreateValidateFreeFromEightThreads) {
     for (auto& th : threads) th.join();
     EXPECT_EQ(errors.load(), 0);
     EXPECT_EQ(convert::registry::Count(), before);
+}
+
+TEST(HandleThreads, ConversionsOnDistinctHandlesAgree) {
+    // Each thread converts the same pixels through its own handle of a
+    // method and must get what one thread alone got.
+    struct Case {
+        int src, dst;
+        std::uint32_t method;
+    } cases[] = {{CS_RGB, CS_LAB, METHOD_BUILTIN}, {CS_CMYK, CS_RGB, METHOD_ICC},
+                 {CS_LAB, CS_RGB, METHOD_BUILTIN_EMULATION}, {CS_HSV, CS_CMYK, METHOD_BUILTIN}};
+    constexpr int kWidth = 256, kRounds = 20;
+    const test::Bytes in = test::Random(4 * kWidth, 3);
+    for (const Case& c : cases) {
+        ConversionParams p = test::Params(c.method);
+        p.emulationMethod = c.method;
+        test::Handle alone(c.src, c.dst, &p);
+        ASSERT_NE(alone.h, nullptr);
+        test::Bytes want(4 * kWidth);
+        ASSERT_EQ(Vx_ClrConvert(alone.h, const_cast<std::uint8_t*>(in.data()), want.data(), kWidth, 1, 0, 0),
+                  STATUS_OK);
+        std::atomic<int> wrong{0};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 4; ++t) {
+            threads.emplace_back([&] {
+                test::Handle h(c.src, c.dst, &p);
+                test::Bytes out(4 * kWidth);
+                for (int i = 0; i < kRounds; ++i) {
+                    if (Vx_ClrConvert(h.h, const_cast<std::uint8_t*>(in.data()), out.data(), kWidth, 1, 0, 0) !=
+                            STATUS_OK ||
+                        out != want)
+                        ++wrong;
+                }
+            });
+        }
+        for (auto& th : threads) th.join();
+        EXPECT_EQ(wrong.load(), 0) << c.src << "->" << c.dst;
+    }
 }
 
 }  // namespace

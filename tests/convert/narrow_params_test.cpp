@@ -4,11 +4,9 @@
 
 #include <string>
 
-#include "convert/icc_test_support.h"
 #include "convert/narrow_params.h"
-#include "support/mapped_memory.h"
-#include "support/params.h"
-#include "support/scoped_locale.h"
+#include "ktclr/embedded.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

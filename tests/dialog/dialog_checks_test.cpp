@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "dialog_record.h"
-#include "support/mapped_memory.h"
+#include "support/support.h"
 
 namespace kt::test {
 namespace {

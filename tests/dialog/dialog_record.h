@@ -9,7 +9,7 @@
 #include <glib.h>
 
 #include "ktclr.h"
-#include "support/params.h"
+#include "support/support.h"
 
 namespace kt::test {
 

@@ -62,7 +62,7 @@ TEST(ProfileRecord, FreeKeepsTheTagCountGate) {
         r.tagList = rows;  // not the library's: the gate must keep it
         r.tagData = data;
         r.tagDataSize = 4;
-        Vx_FreeICCProfile(&r);
+        EXPECT_EQ(Vx_FreeICCProfile(&r), 0);  // 0, not STATUS_OK
         EXPECT_EQ(r.tagList, rows);
         EXPECT_EQ(r.tagData, data);
         EXPECT_EQ(r.header, nullptr);
@@ -80,7 +80,8 @@ TEST(ProfileRecord, FreeKeepsTheTagCountGate) {
         EXPECT_EQ(p->tagList, nullptr);
         EXPECT_EQ(p->tagData, nullptr);
         EXPECT_EQ(p->tagCount, 1);
-        Vx_FreeICCProfile(p.get());  // second call finds nothing to release
+        EXPECT_EQ(Vx_FreeICCProfile(p.get()), 0);  // the second call finds nothing to release
+        EXPECT_EQ(Vx_FreeICCProfile(nullptr), 0);
     }
     {
         Profile p;

@@ -6,7 +6,7 @@
 // past it.
 #include <gtest/gtest.h>
 
-#include "support/alloc_failures.h"
+#include "support/support.h"
 #include "tag_samples.h"
 
 namespace {

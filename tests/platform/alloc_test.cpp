@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "platform/alloc_control.h"
-#include "support/alloc_failures.h"
 
 namespace kt {
 namespace {

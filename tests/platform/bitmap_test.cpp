@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ktclr/bitmap.h"
-#include "support/mapped_memory.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "ktclr/status.h"
-#include "support/scoped_locale.h"
+#include "support/support.h"
 
 namespace kt::text {
 namespace {

@@ -8,9 +8,7 @@
 #include <string>
 
 #include "ktclr/status.h"
-#include "support/alloc_failures.h"
-#include "support/file_faults.h"
-#include "support/scratch_dir.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

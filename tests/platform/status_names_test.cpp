@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <regex>
 #include <string>
 
 #include "ktclr/status.h"
@@ -44,13 +44,16 @@ TEST(StatusNames, EveryDeclaredStatusHasItsName) {
     const char* source = std::getenv("KTCLR_SOURCE_DIR");
     ASSERT_NE(source, nullptr);
     std::ifstream header(std::string(source) + "/include/ktclr/status.h");
-    const std::regex enumerator(R"(^\s+((?:ERR|WARN|STATUS)_\w+) = (-?\d+))");
     int seen = 0;
     for (std::string line; std::getline(header, line);) {
-        std::smatch m;
-        if (!std::regex_search(line, m, enumerator)) continue;
-        EXPECT_EQ(Vx_ClrGetStatusName(std::stoi(m[2])), m[1].str());
-        EXPECT_STRNE(Vx_ClrGetStatusText(std::stoi(m[2])), "unknown status") << m[1];
+        // "    NAME = value, /* ... */" with NAME an ERR_, WARN_ or STATUS_ name.
+        char name[64];
+        int value;
+        if (std::sscanf(line.c_str(), " %63[A-Z0-9_] = %d", name, &value) != 2) continue;
+        const std::string n = name;
+        if (n.rfind("ERR_", 0) && n.rfind("WARN_", 0) && n.rfind("STATUS_", 0)) continue;
+        EXPECT_EQ(Vx_ClrGetStatusName(value), n);
+        EXPECT_STRNE(Vx_ClrGetStatusText(value), "unknown status") << n;
         ++seen;
     }
     EXPECT_GT(seen, 30);

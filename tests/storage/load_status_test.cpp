@@ -9,7 +9,7 @@
 #include "storage_support.h"
 #include "platform/error_report.h"
 #include "storage/png_codec.h"
-#include "support/alloc_failures.h"
+#include "support/support.h"
 
 namespace kt::test {
 namespace {

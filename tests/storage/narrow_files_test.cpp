@@ -7,9 +7,7 @@
 #include <string>
 
 #include "ktclr/narrow.h"
-#include "support/mapped_memory.h"
-#include "support/scoped_locale.h"
-#include "support/scratch_dir.h"
+#include "support/support.h"
 
 namespace kt {
 namespace {

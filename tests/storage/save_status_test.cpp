@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "storage_support.h"
-#include "support/alloc_failures.h"
-#include "support/file_faults.h"
+#include "support/support.h"
 
 namespace kt::test {
 namespace {

@@ -13,7 +13,7 @@
 #include <zlib.h>
 
 #include "ktclr/storage.h"
-#include "support/scratch_dir.h"
+#include "support/support.h"
 
 namespace kt::test {
 

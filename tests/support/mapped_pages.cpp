@@ -1,9 +1,11 @@
-#include "support/mapped_memory.h"
-
+// Memory with chosen protections, apart from the rest of the support code
+// so that the fuzz targets, which do not link GoogleTest, can use it.
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <stdexcept>
+
+#include "support/support.h"
 
 namespace kt::test {
 namespace {

@@ -1,4 +1,5 @@
-#include "support/scratch_dir.h"
+// Files: the scratch folder, whole-file helpers and the file-failure loop.
+#include "support/support.h"
 
 #include <dirent.h>
 #include <gtest/gtest.h>
@@ -22,6 +23,11 @@ ScratchDir::ScratchDir() {
 }
 
 ScratchDir::~ScratchDir() { Run("rm -rf '" + path_ + "'"); }
+
+std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
+    WriteFile(File(name), std::string(b.begin(), b.end()));
+    return File(name);
+}
 
 std::vector<std::string> ScratchDir::Entries() const {
     std::vector<std::string> names;
@@ -61,6 +67,33 @@ int Run(const std::string& command, std::string* out) {
     const int status = pclose(p);
     if (out) *out = std::move(text);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int ForEachFileFault(const std::function<int()>& run,
+                     const std::function<void(file::faults::Op, int, int)>& check) {
+    using file::faults::Op;
+    namespace ctl = file::faults::testing;
+    int total = 0;
+    for (int k = 0; k < static_cast<int>(Op::count); ++k) {
+        const auto op = static_cast<Op>(k);
+        for (int n = 1;; ++n) {
+            if (n > 100000) {
+                ADD_FAILURE() << "operation never completed";
+                break;
+            }
+            ctl::FailNth(op, n);
+            const int status = run();
+            const bool fired = ctl::Fired();
+            const int count = static_cast<int>(ctl::Count(op));
+            ctl::Reset();
+            if (!fired) {
+                total += count;
+                break;
+            }
+            check(op, n, status);
+        }
+    }
+    return total;
 }
 
 }  // namespace kt::test

@@ -1,6 +1,8 @@
-#include "support/alloc_failures.h"
+#include "support/support.h"
 
 #include <gtest/gtest.h>
+
+#include <random>
 
 namespace kt::test {
 
@@ -30,6 +32,21 @@ int ForEachAllocationFailure(const std::function<int()>& run, const std::functio
     }
     ADD_FAILURE() << "operation never completed";
     return -1;
+}
+
+Bytes Random(std::size_t n, unsigned seed, int pixelBytes) {
+    std::mt19937 rng(seed);
+    Bytes b(n);
+    const std::size_t ramp = 256 * static_cast<std::size_t>(pixelBytes);
+    for (std::size_t i = 0; i < n; ++i)
+        b[i] = i < ramp ? static_cast<std::uint8_t>(i / pixelBytes) : static_cast<std::uint8_t>(rng());
+    return b;
+}
+
+void SetPath(KtChar16* field, const std::string& path) {
+    std::size_t i = 0;
+    for (; i < path.size() && i + 1 < KTCLR_PARAMS_PATH_UNITS; ++i) field[i] = static_cast<KtChar16>(path[i]);
+    field[i] = 0;
 }
 
 }  // namespace kt::test

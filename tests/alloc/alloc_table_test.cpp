@@ -1,0 +1,410 @@
+// One table over the public calls: each row's call runs once per allocation
+// it makes, with that allocation failing. It must answer the row's status
+// and, once the fixture is gone, leave every module's live-block count where
+// it was. A new public call is one more row.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "ktclr/bitmap.h"
+#include "ktclr/convert.h"
+#include "ktclr/embedded.h"
+#include "ktclr/icc.h"
+#include "ktclr/icc_curves.h"
+#include "ktclr/narrow.h"
+#include "ktclr/storage.h"
+#include "support/support.h"
+
+namespace kt {
+namespace {
+
+using test::Params;
+namespace ctl = mem::testing;
+
+constexpr std::uint32_t Sig(const char (&s)[5]) {
+    return (std::uint32_t(std::uint8_t(s[0])) << 24) | (std::uint32_t(std::uint8_t(s[1])) << 16) |
+           (std::uint32_t(std::uint8_t(s[2])) << 8) | std::uint32_t(std::uint8_t(s[3]));
+}
+
+// What a row's set-up makes and its call uses; all of it goes when the
+// fixture does.
+struct Fixture {
+    ClrHandle* handle = nullptr;
+    ICCProfileRecord profile{};
+    test::ScratchDir dir;
+    ICCXYZNumber xyz[3] = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
+    std::uint8_t raw[7] = {1, 2, 3, 4, 5, 6, 7};
+    std::uint8_t pixels[4 * 64] = {};
+    std::uint8_t out[4 * 64] = {};
+    BitmapHandle bitmap{};
+
+    Fixture() {
+        Vx_InitICCProfile(&profile, KTCLR_SIZEOF_ICC_PROFILE_RECORD);
+        Vx_BmpInit(&bitmap, KTCLR_SIZEOF_BITMAP_HANDLE);
+    }
+    ~Fixture() {
+        if (handle) Vx_ClrFree(handle);
+        Vx_FreeICCProfile(&profile);
+        Vx_BmpFree(&bitmap);
+    }
+    ICCXYZType Xyz(std::uint32_t count) { return ICCXYZType{Sig("XYZ "), 0, xyz, count}; }
+    ICCRawTagType Raw(std::uint32_t count) {
+        ICCRawTagType t{};
+        t.bytes = raw;
+        t.byteCount = count;
+        return t;
+    }
+    KtStatus Init(int src, int dst, ConversionParams* p) { return Vx_ClrInit(&handle, src, dst, p); }
+    std::u16string File(const char* name) { return test::Wide(dir.File(name)); }
+};
+
+// A profile with a header and three tags, one of them of an unknown type.
+void Tagged(Fixture& f) {
+    ICCXYZType t = f.Xyz(3);
+    ICCRawTagType raw = f.Raw(7);
+    Vx_InitICCHeader(&f.profile);
+    Vx_SetICCTagData(&f.profile, &t, Sig("rXYZ"), Sig("XYZ "));
+    Vx_SetICCTagData(&f.profile, &raw, Sig("desc"), Sig("desc"));
+    Vx_SetICCTagData(&f.profile, &t, Sig("gXYZ"), Sig("XYZ "));
+    Vx_GenerateICCPointer(&f.profile);
+}
+
+// Bytes made once, outside the counts: the press profile (in memory too,
+// for the custom ICC method) and the image of a tagged profile.
+struct Samples {
+    test::Bytes press = test::BuiltinProfile(KTCLR_PROFILE_CMYK_PRESS);
+    ProfileMemory memory{KTCLR_SIZEOF_PROFILE_MEMORY, press.data(), static_cast<std::uint32_t>(press.size())};
+    test::Bytes tagged;
+    test::Bytes jpeg;  // SOI, JFIF, the tagged profile in one APP2 segment, a scan, EOI
+    Samples() {
+        Fixture f;
+        Tagged(f);
+        tagged.assign(f.profile.profileData, f.profile.profileData + f.profile.profileSize);
+        const std::size_t app2 = 2 + 12 + 2 + tagged.size();
+        jpeg = {0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1, 0, 0,
+                0xFF, 0xE2, std::uint8_t(app2 >> 8), std::uint8_t(app2)};
+        for (char c : std::string("ICC_PROFILE")) jpeg.push_back(std::uint8_t(c));
+        jpeg.insert(jpeg.end(), {0, 1, 1});
+        jpeg.insert(jpeg.end(), tagged.begin(), tagged.end());
+        jpeg.insert(jpeg.end(), {0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 63, 0, 0x12, 0x34, 0xFF, 0xD9});
+    }
+};
+Samples& TheSamples() {
+    static Samples samples;
+    return samples;
+}
+
+KtStatus CustomFromFile(Fixture& f, ConversionParams& p) {
+    test::SetPath(p.srcProfilePath, f.dir.Write("press.icc", TheSamples().press));
+    return STATUS_OK;
+}
+
+// A saving row's set-up: a JPEG file to save into, and the tagged profile.
+void JpegAndProfile(Fixture& f) {
+    f.dir.Write("in.jpg", TheSamples().jpeg);
+    Tagged(f);
+}
+
+// What a failed save must leave: the file byte for byte.
+void SameJpeg(Fixture& f) {
+    const test::Bytes& jpeg = TheSamples().jpeg;
+    EXPECT_EQ(test::ReadFile(f.dir.File("in.jpg")), std::string(jpeg.begin(), jpeg.end()));
+}
+
+// A 3 x 2 bitmap of 24-bit pixels.
+void WithBitmap(Fixture& f) { Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 3, 2, 24, VX_BMP_ORDER_BGR); }
+
+ConversionParamsA NarrowParams(std::uint32_t method, std::uint32_t prepare) {
+    ConversionParamsA a;
+    std::memset(&a, 0, sizeof a);
+    a.method = method;
+    a.prepareMethods = prepare;
+    return a;
+}
+
+struct Row {
+    const char* name;
+    KtStatus status;  // what the call answers when an allocation fails
+    std::function<KtStatus(Fixture&)> call;
+    std::function<void(Fixture&)> setup = [](Fixture&) {};
+    KtStatus success = STATUS_OK;
+    // Also accepted after a failure when not 0: the call answers it over
+    // the status of a step it deliberately ignores.
+    KtStatus dropped = KtStatus{};
+    // Checks what the failed call left, before the fixture goes.
+    std::function<void(Fixture&)> after = [](Fixture&) {};
+};
+
+const Row kRows[] = {
+    // Conversion handles.
+    {"InitIdentity", ERR_ALLOC, [](Fixture& f) { return f.Init(7, 7, nullptr); }},
+    {"InitWithoutParams", ERR_ALLOC, [](Fixture& f) { return f.Init(CS_YCCK, CS_BGR, nullptr); }},
+    {"InitCmykOptions", ERR_ALLOC, [](Fixture& f) {
+         ConversionParams p = Params(METHOD_BUILTIN);
+         CmykOptions cmyk = test::Cmyk(100);
+         p.cmykOptions = &cmyk;
+         return f.Init(CS_CMYK, CS_YCCK, &p);
+     }},
+    {"InitYuvOptions", ERR_ALLOC, [](Fixture& f) {
+         ConversionParams p = Params(METHOD_BUILTIN);
+         YuvOptions yuv = test::Yuv(f.raw, 4);
+         p.yuvOptions = &yuv;
+         return f.Init(CS_YUV, CS_BGR, &p);
+     }},
+    {"InitLabTables", ERR_ALLOC, [](Fixture& f) {
+         ConversionParams p = Params(METHOD_BUILTIN);
+         LabOptions lab = test::Lab(1);
+         p.labOptions = &lab;
+         return f.Init(CS_LAB, CS_RGB, &p);
+     }},
+    {"InitBuiltinIcc", ERR_ALLOC, [](Fixture& f) {
+         ConversionParams p = Params(METHOD_ICC);
+         return f.Init(CS_YCCK, CS_RGB, &p);
+     }},
+    {"InitCustomIccFromMemory", ERR_ALLOC, [](Fixture& f) {
+         ConversionParams p = Params(METHOD_CUSTOM_ICC, METHOD_CUSTOM_ICC | METHOD_ICC);
+         p.srcProfileMemory = &TheSamples().memory;
+         return f.Init(CS_CMYK, CS_BGR, &p);
+     }},
+    {"InitCustomIccFromFile", ERR_ALLOC, [](Fixture& f) {
+         ConversionParams p = Params(METHOD_CUSTOM_ICC);
+         CustomFromFile(f, p);
+         return f.Init(CS_CMYK, CS_RGB, &p);
+     }},
+    {"SetParamsOptionsAndTables", ERR_ALLOC,
+     [](Fixture& f) {
+         CmykOptions cmyk = test::Cmyk(100);
+         LabOptions lab = test::Lab(1);
+         IccOptions icc{{1, 2, 3, 4, 5}};
+         ConversionParams p = Params(0, KTCLR_CHANGE_CMYK | KTCLR_CHANGE_LAB | KTCLR_CHANGE_ICC_OPTIONS);
+         p.cmykOptions = &cmyk;
+         p.labOptions = &lab;
+         p.iccOptions = &icc;
+         return Vx_ClrSetConversionParams(f.handle, &p);
+     },
+     [](Fixture& f) { f.Init(CS_CMYK, CS_LAB, nullptr); }},
+    {"SetParamsYuv", ERR_ALLOC,
+     [](Fixture& f) {
+         CmykOptions cmyk = test::Cmyk(100);
+         YuvOptions yuv = test::Yuv(f.raw, 4);
+         ConversionParams p = Params(0, KTCLR_CHANGE_CMYK | KTCLR_CHANGE_YUV);
+         p.cmykOptions = &cmyk;
+         p.yuvOptions = &yuv;
+         return Vx_ClrSetConversionParams(f.handle, &p);
+     },
+     [](Fixture& f) { f.Init(CS_CMYK, CS_YUV, nullptr); }},
+    {"SetParamsCustomProfiles", ERR_ALLOC,
+     [](Fixture& f) {
+         ConversionParams p = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
+         CustomFromFile(f, p);
+         return Vx_ClrSetConversionParams(f.handle, &p);
+     },
+     [](Fixture& f) {
+         ConversionParams p = Params(METHOD_CUSTOM_ICC);
+         CustomFromFile(f, p);
+         f.Init(CS_CMYK, CS_RGB, &p);
+     }},
+    {"ConvertIccFromYcck", ERR_ALLOC,
+     [](Fixture& f) { return Vx_ClrConvert(f.handle, f.pixels, f.out, 8, 8, 4, 4); },
+     [](Fixture& f) {
+         ConversionParams p = Params(METHOD_ICC);
+         f.Init(CS_YCCK, CS_RGB, &p);
+     }},
+    {"ConvertDirectThroughRgb", ERR_ALLOC,
+     [](Fixture& f) { return Vx_ClrConvertDirect(CS_HSV, CS_CMYK, f.pixels, f.out, 8, 8, 0, 0); }},
+    {"ClrInitA", ERR_ALLOC, [](Fixture& f) {
+         ConversionParamsA a = NarrowParams(METHOD_CUSTOM_ICC, METHOD_CUSTOM_ICC | METHOD_ICC);
+         a.srcProfileMemory = &TheSamples().memory;
+         std::strcpy(a.dstProfilePath, "missing.icc");
+         return Vx_ClrInitA(&f.handle, CS_CMYK, CS_RGB, &a);
+     }},
+    {"ClrSetConversionParamsA", ERR_ALLOC,
+     [](Fixture& f) {
+         CmykOptions cmyk = test::Cmyk(100);
+         ConversionParamsA a = NarrowParams(0, KTCLR_CHANGE_CMYK);
+         a.cmykOptions = &cmyk;
+         return Vx_ClrSetConversionParamsA(f.handle, &a);
+     },
+     [](Fixture& f) { f.Init(CS_CMYK, CS_RGB, nullptr); }},
+
+    // Bitmaps. The handle form of the conversion into a bitmap drops the
+    // fill's status, so a failed fill may still answer STATUS_OK.
+    {"BmpCreate", ERR_ALLOC, [](Fixture& f) {
+         return Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 2, 2, 24, 0);
+     }},
+    {"BmpFillFromDib", ERR_ALLOC, [](Fixture& f) {
+         Vx_BmpInfoHeader h{};
+         h.size = KTCLR_SIZEOF_BMP_INFO_HEADER;
+         h.width = 2;
+         h.height = 2;
+         h.planes = 1;
+         h.bitsPerPixel = 24;
+         return Vx_BmpFillFromDib(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, &h, f.pixels);
+     }},
+    {"ClrConvertToBitmap", ERR_ALLOC,
+     [](Fixture& f) { return Vx_ClrConvertToBitmap(f.handle, f.pixels, &f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 3, 2, 1, 3); },
+     [](Fixture& f) { f.Init(CS_HSV, CS_RGB, nullptr); }, STATUS_OK, STATUS_OK},
+    {"ClrConvertDirectToBitmap", ERR_ALLOC, [](Fixture& f) {
+         return Vx_ClrConvertDirectToBitmap(CS_HSV, CS_RGB, f.pixels, &f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 3, 2, 0, 3);
+     }},
+    {"ClrConvertBitmap", ERR_ALLOC, [](Fixture& f) { return Vx_ClrConvertBitmap(f.handle, &f.bitmap, nullptr); },
+     [](Fixture& f) {
+         f.Init(CS_RGB, CS_HSV, nullptr);
+         WithBitmap(f);
+     }},
+
+    // Profile records.
+    {"InitICCHeader", ERR_NO_MEMORY, [](Fixture& f) { return Vx_InitICCHeader(&f.profile); }},
+    {"SetICCCreator", ERR_NO_MEMORY, [](Fixture& f) { return Vx_SetICCCreator(&f.profile, 3); },
+     [](Fixture& f) { Vx_InitICCHeader(&f.profile); }},
+    {"SetICCRenderingIntent", ERR_NO_MEMORY, [](Fixture& f) { return Vx_SetICCRenderingIntent(&f.profile, 2); },
+     Tagged},
+    {"SetICCTagData", ERR_NO_MEMORY,
+     [](Fixture& f) {
+         ICCXYZType t = f.Xyz(2);
+         return Vx_SetICCTagData(&f.profile, &t, Sig("wtpt"), Sig("XYZ "));
+     },
+     [](Fixture& f) { Vx_InitICCHeader(&f.profile); }},
+    {"SetICCTagDataUnknownType", ERR_NO_MEMORY,
+     [](Fixture& f) {
+         ICCRawTagType raw = f.Raw(3);
+         return Vx_SetICCTagData(&f.profile, &raw, Sig("cprt"), Sig("mmod"));
+     },
+     Tagged, WARN_UNKNOWN_TAG_TYPE},
+    {"GetICCTagData", ERR_NO_MEMORY,
+     [](Fixture& f) {
+         ICCXYZType t{};
+         const KtStatus s = Vx_GetICCTagData(&f.profile, &t, Sig("gXYZ"));
+         Vx_FreeICCTagType(&t, Sig("XYZ "));
+         return s;
+     },
+     Tagged},
+    {"GetICCTagDataRaw", ERR_NO_MEMORY,
+     [](Fixture& f) {
+         ICCRawTagType t{};
+         const KtStatus s = Vx_GetICCTagData(&f.profile, &t, Sig("desc"));
+         Vx_FreeICCTagType(&t, Sig("desc"));
+         return s;
+     },
+     Tagged, WARN_UNKNOWN_TAG_TYPE},
+    {"CreateICCTagData", ERR_NO_MEMORY, [](Fixture& f) {
+         ICCXYZType host = f.Xyz(3), file{};
+         const KtStatus s = Vx_CreateICCTagData(&file, &host, Sig("XYZ "));
+         Vx_FreeICCTagType(&file, Sig("XYZ "));
+         return s;
+     }},
+    {"DeleteICCTag", ERR_NO_MEMORY, [](Fixture& f) { return Vx_DeleteICCTag(&f.profile, Sig("desc"), nullptr); },
+     Tagged},
+    {"DeleteICCTagHandedOut", ERR_NO_MEMORY,
+     [](Fixture& f) {
+         ICCXYZType t{};
+         const KtStatus s = Vx_DeleteICCTag(&f.profile, Sig("rXYZ"), &t);
+         Vx_FreeICCTagType(&t, Sig("XYZ "));
+         return s;
+     },
+     Tagged},
+    {"DeleteICCTagLast", ERR_NO_MEMORY, [](Fixture& f) { return Vx_DeleteICCTag(&f.profile, Sig("wtpt"), nullptr); },
+     [](Fixture& f) {
+         ICCXYZType t = f.Xyz(1);
+         Vx_InitICCHeader(&f.profile);
+         Vx_SetICCTagData(&f.profile, &t, Sig("wtpt"), Sig("XYZ "));
+     }},
+    {"GenerateICCPointer", ERR_NO_MEMORY, [](Fixture& f) { return Vx_GenerateICCPointer(&f.profile); }, Tagged},
+    {"GenerateICCFile", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_GenerateICCFile(&f.profile, f.File("out.icc").c_str()); }, Tagged},
+    {"FillICCProfileStructure", ERR_NO_MEMORY, [](Fixture& f) {
+         const test::Bytes& b = TheSamples().tagged;
+         return Vx_FillICCProfileStructure(&f.profile, b.data(), static_cast<std::uint32_t>(b.size()));
+     }},
+    {"FillICCProfileStructureOverAHeader", ERR_NO_MEMORY,
+     [](Fixture& f) {
+         const test::Bytes& b = TheSamples().tagged;
+         return Vx_FillICCProfileStructure(&f.profile, b.data(), static_cast<std::uint32_t>(b.size()));
+     },
+     [](Fixture& f) { Vx_InitICCHeader(&f.profile); }},
+    {"FillICCProfileFromICCFile", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_FillICCProfileFromICCFile(f.File("in.icc").c_str(), &f.profile); },
+     [](Fixture& f) { f.dir.Write("in.icc", TheSamples().tagged); }},
+    {"FillICCProfileFromICCFileA", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_FillICCProfileFromICCFileA(f.dir.File("in.icc").c_str(), &f.profile); },
+     [](Fixture& f) { f.dir.Write("in.icc", TheSamples().tagged); }},
+    {"GenerateICCFileA", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_GenerateICCFileA(&f.profile, f.dir.File("out.icc").c_str()); }, Tagged},
+
+    // Profiles in image files. A failed save leaves the file as it was; a
+    // JPEG save without its segment buffer answers the positive 8.
+    {"LoadICCProfile", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_LoadICCProfile(f.File("in.jpg").c_str(), &f.profile, nullptr); },
+     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }},
+    {"LoadICCProfileA", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_LoadICCProfileA(f.dir.File("in.jpg").c_str(), &f.profile, nullptr); },
+     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }},
+    // Vx_HasICCProfile answers 0 (no profile) for every failure.
+    {"HasICCProfile", KtStatus{}, [](Fixture& f) { return Vx_HasICCProfile(f.File("in.jpg").c_str(), nullptr); },
+     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }, 1},
+    {"HasICCProfileA", KtStatus{},
+     [](Fixture& f) { return Vx_HasICCProfileA(f.dir.File("in.jpg").c_str(), nullptr); },
+     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }, 1, ERR_NO_MEMORY},  // the name's conversion
+    {"SaveICCProfile", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_SaveICCProfile(f.File("in.jpg").c_str(), &f.profile, nullptr); }, JpegAndProfile,
+     STATUS_OK, KtStatus{8}, SameJpeg},
+    {"SaveICCProfileA", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_SaveICCProfileA(f.dir.File("in.jpg").c_str(), &f.profile, nullptr); }, JpegAndProfile,
+     STATUS_OK, KtStatus{8}, SameJpeg},
+
+    {"ClrIntGetCurveTypeLittleIndian", ERR_NO_MEMORY, [](Fixture&) {
+         std::uint16_t entries[2] = {1, 2};
+         ICCCurveType curve{Sig("curv"), 0, 2, entries}, back{};
+         unsigned char flat[16];
+         Vx_ConvertCurveTypeToBuffer(flat, &curve);
+         const KtStatus s = Vx_ClrIntGetCurveTypeLittleIndian(flat, &back);
+         Vx_ClrIntIccFreeCurveType(&back);
+         return s;
+     }},
+    {"ClrIntGetParametricCurveTypeLittleIndian", ERR_NO_MEMORY, [](Fixture&) {
+         std::int32_t parameters[4] = {1, 2, 3, 4};
+         ICCParametricCurveType curve{Sig("para"), 0, 2, 0, parameters}, back{};
+         unsigned char flat[32];
+         Vx_ConvertParametricCurveTypeToBuffer(flat, &curve);
+         const KtStatus s = Vx_ClrIntGetParametricCurveTypeLittleIndian(flat, &back);
+         Vx_ClrIntIccFreeParametricCurveType(&back);
+         return s;
+     }},
+};
+
+void PrintTo(const Row& row, std::ostream* os) { *os << row.name; }
+
+class AllocationFailure : public testing::TestWithParam<Row> {};
+
+TEST_P(AllocationFailure, AnswersItsStatusAndLeavesNothing) {
+    const Row& row = GetParam();
+    TheSamples();
+    for (int n = 1;; ++n) {
+        const test::LiveCounts before = test::LiveCounts::Now();
+        KtStatus status;
+        bool fired;
+        {
+            Fixture f;
+            row.setup(f);
+            ctl::FailNthAllocation(n);
+            status = row.call(f);
+            fired = ctl::FailureFired();
+            ctl::FailNthAllocation(0);
+            if (fired) row.after(f);
+        }
+        EXPECT_TRUE(test::LiveCounts::Now() == before) << "allocation " << n;
+        if (!fired) {
+            EXPECT_EQ(status, row.success);
+            EXPECT_GT(n, 1) << "the call allocates nothing";
+            return;
+        }
+        EXPECT_TRUE(status == row.status || (row.dropped && status == row.dropped)) << "allocation " << n << ": " << status;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(PublicCalls, AllocationFailure, testing::ValuesIn(kRows),
+                         [](const testing::TestParamInfo<Row>& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace kt

@@ -1,0 +1,305 @@
+// Vx_ClrInit, Vx_ClrIsValid and Vx_ClrFree: the checks in order, what a
+// handle holds for each pair, the automatic choice, the option records, the
+// list of live handles and the unload sweep.
+#include <gtest/gtest.h>
+
+#include "convert/library_frame.h"
+#include "colormodels/lab_tables.h"
+#include "convert/registry.h"
+#include "support/support.h"
+
+namespace kt {
+namespace {
+
+using test::Handle;
+using test::MappedPages;
+using test::Params;
+constexpr std::uint32_t kBuiltin = METHOD_BUILTIN;
+
+TEST(HandleInit, ArgumentChecksInOrder) {
+    ConversionParams p = Params(METHOD_BUILTIN);
+    p.structSize = 1625;
+    EXPECT_EQ(Vx_ClrInit(nullptr, CS_RGB, CS_HSV, &p), ERR_INVALID_PARAMETER);
+    // A bad size is refused before anything is allocated.
+    mem::testing::ResetAllocationCount();
+    Handle h;
+    EXPECT_EQ(h.Init(CS_RGB, CS_HSV, &p), ERR_BAD_STRUCT_SIZE);
+    EXPECT_EQ(mem::testing::AllocationCount(), 0);
+    EXPECT_EQ(h.h, nullptr);
+
+    // The short form ends before iccFlags: a record whose iccFlags lies on
+    // an inaccessible page is fine at 1624 and unreadable at 1628.
+    MappedPages pages(2, MappedPages::Access::readWrite);
+    pages.Protect(1, MappedPages::Access::none);
+    const std::size_t shortBytes = offsetof(ConversionParams, iccFlags);
+    auto* edge = reinterpret_cast<ConversionParams*>(pages.data() + pages.page() - shortBytes);
+    std::memcpy(edge, &p, shortBytes);
+    edge->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
+    EXPECT_EQ(h.Init(CS_RGB, CS_HSV, edge), ERR_BAD_POINTER);
+    edge->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
+    ASSERT_EQ(h.Init(CS_RGB, CS_HSV, edge), STATUS_OK);
+    Handle other;
+    EXPECT_EQ(other.Init(CS_RGB, CS_HSV, reinterpret_cast<ConversionParams*>(pages.end() - pages.page())),
+              ERR_BAD_POINTER);
+}
+
+TEST(HandleInit, IdentityShortcutComesBeforeTheRangeCheck) {
+    Handle a(200, 200);
+    ASSERT_NE(a.h, nullptr);
+    EXPECT_EQ(a.h->srcSpace, 200);
+    EXPECT_EQ(a.h->method, 0u);
+    EXPECT_EQ(a.h->iccOptions, nullptr);
+    EXPECT_EQ(Vx_ClrIsValid(a.h), STATUS_OK);
+    Handle b;
+    for (auto [src, dst] : {std::pair{200, 0}, {0, 16}, {129, 0}, {0, 145}, {-1, 0}})
+        EXPECT_EQ(b.Init(src, dst), ERR_UNSUPPORTED_SPACE) << src << "->" << dst;
+    // With the custom-ICC bit prepared the shortcut is not taken.
+    ConversionParams p = Params(METHOD_BUILTIN, METHOD_BUILTIN | METHOD_CUSTOM_ICC);
+    EXPECT_EQ(b.Init(200, 200, &p), ERR_UNSUPPORTED_SPACE);
+    p.prepareMethods = METHOD_BUILTIN;
+    ASSERT_EQ(b.Init(CS_LAB, CS_LAB, &p), STATUS_OK);
+    EXPECT_EQ(b.h->method, 0u);
+}
+
+TEST(HandleInit, WhatEachPairHolds) {
+    // With parameters, a Lab side or an XYZ source (only the source) makes
+    // one step too.
+    struct Case {
+        int src, dst;
+        bool params;
+        int pathKind;
+        bool ycck;
+    } cases[] = {{CS_RGB, CS_HSV, false, 1, false},  {CS_HSV, CS_BGR, false, 1, false},
+                 {CS_XYZ, CS_HSV, false, 2, false},  {CS_LAB, CS_HSV, false, 2, false},
+                 {CS_YCCK, CS_RGB, false, 1, true},  {CS_HSI, CS_YCCK, false, 2, true},
+                 {CS_XYZ, CS_HSV, true, 1, false},   {CS_HSV, CS_XYZ, true, 2, false},
+                 {CS_LAB, CS_HSV, true, 1, false},   {CS_HSV, CS_LAB, true, 1, false},
+                 {CS_CMYK, CS_YCCK, true, 2, true},  {CS_HSI, CS_RGB444, true, 2, false}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.src << "->" << c.dst << (c.params ? " with" : " without"));
+        ConversionParams p = Params(METHOD_BUILTIN);
+        Handle h(c.src, c.dst, c.params ? &p : nullptr);
+        ASSERT_NE(h.h, nullptr);
+        EXPECT_EQ(h.h->method, kBuiltin);
+        EXPECT_EQ(h.h->preparedMethods, kBuiltin);
+        EXPECT_EQ(h.h->PathKind, c.pathKind);
+        EXPECT_EQ(h.h->gammaPercent, 45);
+        EXPECT_EQ(h.h->dstSpace, c.dst);
+        EXPECT_EQ(h.h->ycckTable != nullptr, c.ycck);
+        EXPECT_EQ(h.h->iccOptions != nullptr, c.params);
+        // A two-step pair made with parameters keeps its ids as formats.
+        EXPECT_EQ(h.h->srcFormat, c.params && c.pathKind == 2 ? static_cast<std::uint32_t>(c.src) : 0u);
+    }
+}
+
+TEST(HandleInit, MethodChecks) {
+    Handle h;
+    ConversionParams p = Params(METHOD_BUILTIN_EMULATION);
+    p.emulationMethod = 1;
+    EXPECT_EQ(h.Init(CS_CMYK, CS_RGB, &p), ERR_INVALID_PARAMETER);
+    for (auto [method, prepare] : {std::pair{1u, 64u}, {2u, 1u}, {0u, 1u}}) {  // builtin, ICC, none
+        p = Params(method, prepare);
+        EXPECT_EQ(h.Init(CS_RGB, CS_HSV, &p), ERR_BAD_METHOD) << method << " " << prepare;
+    }
+    // The method in force need only share a bit with the prepared set.
+    p = Params(METHOD_BUILTIN | 64, METHOD_BUILTIN);
+    ASSERT_EQ(h.Init(CS_RGB, CS_HSV, &p), STATUS_OK);
+    EXPECT_EQ(h.h->method, kBuiltin | 64);
+    // An ICC path needs an ICC format on both sides; a two-step pair builds
+    // no transform.
+    Handle g;
+    p = Params(METHOD_BUILTIN, METHOD_BUILTIN | METHOD_ICC);
+    EXPECT_EQ(g.Init(CS_RGB, CS_HSV, &p), ERR_BAD_COLOR_SPACE);
+    ASSERT_EQ(g.Init(CS_HSV, CS_YIQ, &p), STATUS_OK);
+    EXPECT_EQ(g.h->iccTransform, nullptr);
+}
+
+TEST(HandleInit, AutomaticChoice) {
+    const auto kAuto = static_cast<std::uint32_t>(METHOD_AUTO);
+    struct Case {
+        int src, dst;
+        KtStatus status;
+        std::uint32_t chosen;
+    } cases[] = {{CS_RGB, CS_HSV, ERR_BAD_METHOD, 0},      {CS_LAB, CS_BGR, STATUS_OK, METHOD_BUILTIN},
+                 {CS_HSV, CS_YIQ, STATUS_OK, METHOD_BUILTIN}, {CS_RGB, CS_CMYK, STATUS_OK, METHOD_ICC},
+                 {CS_YCCK, CS_RGB, STATUS_OK, METHOD_ICC}};
+    for (const Case& c : cases) {
+        ConversionParams p = Params(METHOD_AUTO);
+        Handle h;
+        EXPECT_EQ(h.Init(c.src, c.dst, &p), c.status) << c.src << "->" << c.dst;
+        if (h.h) {
+            EXPECT_EQ(h.h->method, c.chosen);
+        }
+        // 32 is back in the caller's record whether or not a choice was made.
+        EXPECT_EQ(p.method, kAuto);
+        EXPECT_EQ(p.prepareMethods, kAuto);
+    }
+    // A failure after the choice leaves the chosen bit in both fields: the
+    // fourth allocation (after handle, node and ICC options) is the YCCK table.
+    ConversionParams p = Params(METHOD_AUTO);
+    Handle h;
+    mem::testing::FailNthAllocation(4);
+    EXPECT_EQ(h.Init(CS_YCCK, CS_RGB, &p), ERR_ALLOC);
+    mem::testing::FailNthAllocation(0);
+    EXPECT_EQ(p.method, static_cast<std::uint32_t>(METHOD_ICC));
+    EXPECT_EQ(p.prepareMethods, static_cast<std::uint32_t>(METHOD_ICC));
+    // Only both fields at 32 ask for a choice; 32 beside a real bit is taken
+    // as the method in force, unchosen.
+    p = Params(METHOD_AUTO, METHOD_BUILTIN);
+    EXPECT_EQ(h.Init(CS_LAB, CS_RGB, &p), ERR_BAD_METHOD);
+    p = Params(METHOD_AUTO, METHOD_AUTO | METHOD_BUILTIN);
+    ASSERT_EQ(h.Init(CS_LAB, CS_RGB, &p), STATUS_OK);
+    EXPECT_EQ(h.h->method, kAuto);
+}
+
+TEST(HandleInit, OptionRecordsAreCopied) {
+    ConversionParams p = Params(METHOD_BUILTIN);
+    Handle plain(CS_RGB, CS_HSV, &p);
+    ASSERT_NE(plain.h->iccOptions, nullptr);
+    EXPECT_EQ(plain.h->iccOptions->values[0], 50u);
+
+    IccOptions icc{{1, 2, 3, 4, 5}};
+    CmykOptions cmyk = test::Cmyk(200);
+    unsigned char shared[8] = {};
+    YuvOptions yuv = test::Yuv(shared, sizeof shared);
+    LabOptions lab = test::Lab(10);
+    p.iccOptions = &icc;
+    p.cmykOptions = &cmyk;
+    p.yuvOptions = &yuv;
+    p.labOptions = &lab;
+    Handle a(CS_RGB, CS_CMYK, &p), b(CS_YUV, CS_BGR, &p), c(CS_LAB, CS_RGB, &p);
+    icc.values[4] = 99;
+    cmyk.value = 1;
+    EXPECT_EQ(a.h->iccOptions->values[4], 5u);
+    EXPECT_EQ(a.h->cmykOptions->value, 200u);
+    EXPECT_EQ(a.h->yuvOptions, nullptr);  // only the sides' own records
+    EXPECT_EQ(a.h->labTable, nullptr);
+    EXPECT_EQ(b.h->yuvOptions->buffer, shared);  // the caller's buffer is shared
+    EXPECT_EQ(b.h->cmykOptions, nullptr);
+    ASSERT_NE(c.h->labTable, nullptr);
+    ASSERT_NE(c.h->rgbToLabTable, nullptr);
+    EXPECT_EQ(c.h->labTable->ranges[5], 15);
+}
+
+TEST(HandleInit, BadOptionRecordsAbandonOrRelease) {
+    const std::size_t before = convert::registry::Count();
+    MappedPages none(1, MappedPages::Access::none);
+    ConversionParams p = Params(METHOD_BUILTIN);
+    p.cmykOptions = reinterpret_cast<CmykOptions*>(none.data());
+    p.yuvOptions = reinterpret_cast<YuvOptions*>(none.data());
+    p.labOptions = reinterpret_cast<LabOptions*>(none.data());
+    // Records of spaces the pair does not use are never looked at.
+    EXPECT_NE(Handle(CS_RGB, CS_HSV, &p).h, nullptr);
+
+    // Unreadable records, and a CMYK record of the wrong size, return at
+    // once: the half-built handle stays on the list, live but never handed
+    // out. It is the newest node; free it as the unload sweep would.
+    auto expectAbandoned = [&](int src, int dst, KtStatus status) {
+        Handle h;
+        EXPECT_EQ(h.Init(src, dst, &p), status);
+        EXPECT_EQ(h.h, nullptr);
+        ASSERT_EQ(convert::registry::Count(), before + 1);
+        ClrHandle* stray = convert::registry::Tail();
+        EXPECT_EQ(stray->srcSpace, 0);  // never finished
+        EXPECT_EQ(Vx_ClrFree(stray), STATUS_OK);
+    };
+    expectAbandoned(CS_RGB, CS_CMYK, ERR_BAD_POINTER);
+    expectAbandoned(CS_YUV, CS_RGB, ERR_BAD_POINTER);
+    expectAbandoned(CS_RGB, CS_LAB, ERR_BAD_POINTER);
+    CmykOptions cmyk = test::Cmyk(1);
+    cmyk.structSize = 13;
+    p.cmykOptions = &cmyk;
+    expectAbandoned(CS_RGB, CS_CMYK, ERR_BAD_STRUCT_SIZE);
+
+    // YUV and Lab records of the wrong size are released.
+    unsigned char buf[4];
+    YuvOptions yuv = test::Yuv(buf, 4);
+    yuv.structSize = 41;
+    LabOptions lab = test::Lab(0);
+    lab.structSize = 31;
+    p.yuvOptions = &yuv;
+    p.labOptions = &lab;
+    Handle h;
+    EXPECT_EQ(h.Init(CS_YUV, CS_RGB, &p), ERR_BAD_STRUCT_SIZE);
+    EXPECT_EQ(h.Init(CS_LAB, CS_RGB, &p), ERR_BAD_STRUCT_SIZE);
+    EXPECT_EQ(convert::registry::Count(), before);
+}
+
+TEST(HandleLifecycle, ValidityAndFree) {
+    EXPECT_EQ(Vx_ClrIsValid(nullptr), ERR_INVALID_COLOR_HANDLE);
+    EXPECT_EQ(Vx_ClrFree(nullptr), ERR_INVALID_PARAMETER);
+    MappedPages none(1, MappedPages::Access::none);
+    auto* unreadable = reinterpret_cast<ClrHandle*>(none.data());
+    EXPECT_EQ(Vx_ClrIsValid(unreadable), ERR_INVALID_COLOR_HANDLE);
+    EXPECT_EQ(Vx_ClrFree(unreadable), ERR_INVALID_PARAMETER);
+
+    Handle h(CS_RGB, CS_HLS);
+    // A readable copy with the right size is not on the list.
+    ClrHandle copy = *h.h;
+    EXPECT_EQ(Vx_ClrIsValid(&copy), ERR_INVALID_COLOR_HANDLE);
+    EXPECT_EQ(Vx_ClrFree(&copy), ERR_INVALID_COLOR_HANDLE);
+    EXPECT_EQ(Vx_ClrIsValid(h.h), STATUS_OK);
+    // A live handle whose size field was overwritten is no longer valid.
+    h.h->structSize = 1651;
+    EXPECT_EQ(Vx_ClrIsValid(h.h), ERR_INVALID_COLOR_HANDLE);
+    h.h->structSize = KTCLR_SIZEOF_CLR_HANDLE;
+}
+
+TEST(HandleLifecycle, FreeingOutOfOrderKeepsTheListConsistent) {
+    const std::size_t before = convert::registry::Count();
+    ClrHandle* h[4] = {};
+    for (auto*& x : h) ASSERT_EQ(Vx_ClrInit(&x, CS_RGB, CS_YIQ, nullptr), STATUS_OK);
+    EXPECT_EQ(Vx_ClrFree(h[1]), STATUS_OK);  // middle
+    EXPECT_EQ(Vx_ClrFree(h[3]), STATUS_OK);  // last
+    EXPECT_EQ(Vx_ClrIsValid(h[0]), STATUS_OK);
+    EXPECT_EQ(Vx_ClrIsValid(h[2]), STATUS_OK);
+    EXPECT_EQ(Vx_ClrFree(h[0]), STATUS_OK);  // first
+    EXPECT_EQ(convert::registry::Head(), h[2]);
+    EXPECT_EQ(convert::registry::Tail(), h[2]);
+    EXPECT_EQ(Vx_ClrFree(h[2]), STATUS_OK);
+    EXPECT_EQ(convert::registry::Count(), before);
+}
+
+TEST(HandleLifecycle, IndexGrowthKeepsEveryHandleReachable) {
+    // Every handle must stay findable across each growth of the index,
+    // whichever bucket the newest one lands in, and after half are freed.
+    constexpr int kCount = 600;
+    static ClrHandle* h[kCount];
+    for (int i = 0; i < kCount; ++i) {
+        ASSERT_EQ(Vx_ClrInit(&h[i], CS_RGB, CS_YIQ, nullptr), STATUS_OK);
+        for (int j = 0; j <= i; ++j) ASSERT_EQ(Vx_ClrIsValid(h[j]), STATUS_OK) << j << " after " << i;
+    }
+    for (int i = 0; i < kCount; i += 2) ASSERT_EQ(Vx_ClrFree(h[i]), STATUS_OK);
+    for (int i = 1; i < kCount; i += 2) ASSERT_EQ(Vx_ClrIsValid(h[i]), STATUS_OK);
+    for (int i = 1; i < kCount; i += 2) ASSERT_EQ(Vx_ClrFree(h[i]), STATUS_OK);
+}
+
+TEST(LibraryFrame, UnloadSweepFreesForgottenHandles) {
+    const test::LiveCounts before = test::LiveCounts::Now();
+    ASSERT_EQ(convert::registry::Count(), 0u) << "another test left handles behind";
+    ASSERT_EQ(convert::AttachCount(), 1);
+    ClrHandle* h[3] = {};
+    ASSERT_EQ(Vx_ClrInit(&h[0], CS_RGB, CS_HSV, nullptr), STATUS_OK);
+    ConversionParams p = Params(METHOD_BUILTIN);
+    LabOptions lab = test::Lab(0);
+    p.labOptions = &lab;
+    ASSERT_EQ(Vx_ClrInit(&h[1], CS_LAB, CS_YCCK, &p), STATUS_OK);
+    // A half-built handle abandoned by a bad option record is swept too.
+    CmykOptions bad = test::Cmyk(0);
+    bad.structSize = 11;
+    p.cmykOptions = &bad;
+    EXPECT_EQ(Vx_ClrInit(&h[2], CS_RGB, CS_CMYK, &p), ERR_BAD_STRUCT_SIZE);
+    EXPECT_EQ(convert::registry::Count(), 3u);
+
+    // A second attach keeps the handles; the last detach sweeps them.
+    convert::LibraryAttach();
+    convert::LibraryDetach();
+    EXPECT_EQ(convert::registry::Count(), 3u);
+    convert::LibraryDetach();
+    EXPECT_EQ(convert::registry::Count(), 0u);
+    EXPECT_TRUE(test::LiveCounts::Now() == before);
+    convert::LibraryAttach();  // as the loader left it
+}
+
+}  // namespace
+}  // namespace kt
