@@ -30,7 +30,7 @@ for t in $targets; do
   mkdir -p "build-fuzz/corpus/$t"
   echo "== $t: $seconds s"
   TMPDIR=$scratch UBSAN_OPTIONS=print_stacktrace=1 "build-fuzz/fuzz_$t" -max_total_time="$seconds" \
-    -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 ${dict:+-dict=fuzz/dict/$dict.dict} \
+    -timeout=10 -rss_limit_mb=2048 -malloc_limit_mb=512 -print_final_stats=1 ${dict:+-dict=fuzz/dict/$dict.dict} \
     -artifact_prefix="build-fuzz/findings/$t-" "build-fuzz/corpus/$t" "fuzz/corpus/$seeds" || failed="$failed $t"
 done
 [ -z "$failed" ] || { echo "fuzz findings in:$failed (build-fuzz/findings)"; exit 1; }

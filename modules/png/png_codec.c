@@ -5,7 +5,9 @@
  * not suit the image, a grey or Lab profile in an RGB file, say). */
 #include <png.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
 
@@ -21,6 +23,23 @@ typedef struct {
     int32_t result;
     int seen;
 } Extract;
+
+/* libpng's allocations go through these, and none may exceed the file's size
+ * plus a fixed margin for libpng's own state: a chunk declaring more bytes
+ * than the file holds (a hostile 1.8 GB tEXt, say) then fails the read
+ * instead of being allocated. libpng's chunk limit does not do this on read,
+ * where it is only a warning. */
+#define KT_ALLOC_MARGIN (1u << 20)
+
+static png_voidp LimitedMalloc(png_structp png, png_alloc_size_t n) {
+    const png_alloc_size_t* cap = (const png_alloc_size_t*)png_get_mem_ptr(png);
+    return n <= *cap ? malloc(n) : NULL;
+}
+
+static void LimitedFree(png_structp png, png_voidp p) {
+    (void)png;
+    free(p);
+}
 
 static void Quiet(png_structp png, png_const_charp message) {
     (void)png;
@@ -93,7 +112,11 @@ __attribute__((visibility("default"))) int32_t PngExtractICCProfile(int fd, KtCo
         return -7;
     }
     Extract x = {allocate, NULL, 0, 1, 0};
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, NULL, Fail, Quiet);
+    struct stat st;
+    png_alloc_size_t cap = KT_ALLOC_MARGIN;
+    if (fstat(fd, &st) == 0 && st.st_size > 0) cap += (png_alloc_size_t)st.st_size;
+    png_structp png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, NULL, Fail, Quiet, &cap, LimitedMalloc,
+                                               LimitedFree);
     png_infop info = png ? png_create_info_struct(png) : NULL;
     volatile int32_t result = -7;
     if (!info) {
