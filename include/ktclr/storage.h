@@ -98,11 +98,13 @@ KTCLR_API KtStatus Vx_HasICCProfile(const KtChar16* fileName, const Vx_LoadFileO
  *   ERR_INVALID_PARAMETER      the backup name names the file itself
  *   ERR_NO_MEMORY              an allocation failed
  *   8 (positive)               JPEG: the segment buffer cannot be allocated
- *   ERR_CHUNK_TOO_LARGE, ERR_RIFF_SHORT_READ, ERR_FILE_SEEK, -9 (the file
- *                              ends inside its RIFF head)  WebP
- * GIF and WebP failures are also recorded as the thread's last reported
- * error. A WebP whose RIFF head is not "RIFF", a size of at least 20 and
- * "WEBP" is left as it is, with STATUS_OK. */
+ * The GIF and WebP writers answer no status of their own: when one fails
+ * (the file cannot be opened or written; for WebP also ERR_CHUNK_TOO_LARGE,
+ * ERR_RIFF_SHORT_READ, ERR_FILE_SEEK or -9, the file ends inside its RIFF
+ * head), the failure is recorded as the thread's last reported error, the
+ * file is left as it was, and the call answers STATUS_OK. A WebP whose RIFF
+ * head is not "RIFF", a size of at least 20 and "WEBP" is left as it is,
+ * with STATUS_OK. */
 KTCLR_API KtStatus Vx_SaveICCProfile(const KtChar16* fileName, const ICCProfileRecord* profile,
                                      const Vx_SaveFileOptions* saveOptions);
 

@@ -49,8 +49,13 @@ KtStatus Save(const char16_t* fileName, const ICCProfileRecord* profile, const V
     if (writer == Writer::none) return ERR_FORMAT_NOT_SUPPORTED;
     status = Run(writer, fileName, ProfileBytes{profile->profileData, profile->profileSize}, options ? options->flags : 0,
                  options ? options->backupFileName : nullptr);
-    // GIF and WebP failures go through the error report as well.
-    if (status != STATUS_OK && (writer == Writer::gif || writer == Writer::webp)) report::Error(status);
+    // The GIF and WebP writers answer no status of their own: a failure is
+    // recorded as the thread's last reported error and the call answers
+    // STATUS_OK, the file untouched (LoadStatus.FilesLoadedAndSaved).
+    if (status != STATUS_OK && (writer == Writer::gif || writer == Writer::webp)) {
+        report::Error(status);
+        return STATUS_OK;
+    }
     return status;
 }
 
