@@ -91,8 +91,14 @@ int ProfileEmbed(const std::string& image, const std::string& profile, const std
         const std::u16string name = Wide(image), backupName = Wide(backup);
         Vx_SaveFileOptions options = {KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0,
                                       backup.empty() ? nullptr : reinterpret_cast<const KtChar16*>(backupName.c_str())};
+        struct stat before {}, after {};
+        stat(image.c_str(), &before);
         const KtStatus s = Vx_SaveICCProfile(reinterpret_cast<const KtChar16*>(name.c_str()), &p.r, &options);
         if (s != STATUS_OK) throw Failure("cannot embed the profile", s);
+        // A GIF or WebP writer that fails answers STATUS_OK and leaves the
+        // file in place; a successful save always puts a new file there.
+        if (stat(image.c_str(), &after) == 0 && after.st_ino == before.st_ino && after.st_dev == before.st_dev)
+            throw Failure("cannot embed the profile: the file's structure is damaged; it is unchanged");
     });
 }
 
