@@ -1,7 +1,7 @@
 // What the case table does not reach: the kernel contract (probes over the
 // exact extent, sizes and groups), HLS's refusal of a hue without
 // saturation, the affine steps' redo store, the Lab rows' range check,
-// planar 4:1:0, every black value of CMYK, and pixels worth remembering.
+// planar 4:1:0 and every black value of CMYK.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -152,7 +152,7 @@ TEST_P(Edges, LabRowsWithTheRangeCheck) {
     const int width = static_cast<int>(px.size() / 3);
     for (int order : {1, 0}) {
         Bytes want(px.size()), got(px.size());
-        for (int x = 0; x < width; ++x) test::FromRgbT<ktref::RgbToLab>(&px[3 * x], &want[3 * x], order, 0);
+        for (int x = 0; x < width; ++x) test::FromRgb<ktref::RgbToLab>(&px[3 * x], &want[3 * x], order, 0);
         const color::rows::OrderedRows& rows = color::rows::Pick(color::ForwardLabRows());
         ASSERT_EQ((order ? rows.rgb : rows.bgr)(forward.get(), px.data(), got.data(), width), STATUS_OK);
         EXPECT_TRUE(got == want) << "order " << order;
@@ -237,32 +237,9 @@ TEST_P(Edges, CmykEveryBlackValue) {
         }
 }
 
-// Pixels worth remembering.
-TEST(KernelPixels, Notable) {
-    std::uint8_t out[6];
-    const std::uint8_t blue[3] = {0, 0, 255};
-    ASSERT_EQ(color::RgbToYcbcr(blue, out, 1, 1, 0, 0, 0, 1), STATUS_OK);
-    EXPECT_EQ(out[1], 127);  // Cb clamped, not 255
-    const std::uint8_t hsv255[3] = {255, 200, 100}, hsv0[3] = {0, 200, 100};
-    std::uint8_t a[3], b[3];
-    ASSERT_EQ(color::HsvToRgb(hsv255, a, 1, 1, 0, 0, 0, 1), STATUS_OK);
-    ASSERT_EQ(color::HsvToRgb(hsv0, b, 1, 1, 0, 0, 0, 1), STATUS_OK);
-    EXPECT_EQ(0, std::memcmp(a, b, 3));  // H = 255 wraps to 0 degrees
-    const std::uint8_t gray[3] = {0, 90, 0}, hued[3] = {1, 90, 0};
-    ASSERT_EQ(color::HlsToRgb(gray, out, 1, 1, 0, 0, 0, 1), STATUS_OK);
-    EXPECT_EQ(out[0], 90);
-    EXPECT_EQ(color::HlsToRgb(hued, out, 1, 1, 0, 0, 0, 1), ERR_INVALID_TAG);
-    std::uint8_t black[3] = {0, 0, 0}, cmyk[4];
-    ASSERT_EQ(color::RgbToCmyk(black, cmyk, 1, 1, 0, 0, 1000, 1), STATUS_OK);
-    EXPECT_EQ((ref::Px4{cmyk[0], cmyk[1], cmyk[2], cmyk[3]}), (ref::Px4{0, 0, 0, 255}));
-    ASSERT_EQ(color::RgbToCmyk(black, cmyk, 1, 1, 0, 0, 175, 1), STATUS_OK);
-    EXPECT_EQ((ref::Px4{cmyk[0], cmyk[1], cmyk[2], cmyk[3]}), (ref::Px4{255, 255, 255, 44}));
-    const std::uint8_t key[4] = {0, 0, 0, 255};
-    ASSERT_EQ(color::CmykToRgb(key, black, 1, 1, 0, 0, 175, 1), STATUS_OK);
-    EXPECT_EQ((Px3{black[0], black[1], black[2]}), (Px3{255, 255, 255}));
-}
+INSTANTIATE_TEST_SUITE_P(Isa, Edges, ::testing::ValuesIn(test::Levels()),
+                         [](const auto& info) { return std::string(test::Name(info.param)); });
 
-KT_AT_EVERY_LEVEL(Edges);
 
 }  // namespace
 }  // namespace kt

@@ -17,7 +17,7 @@ using test::Case;
 using test::Inputs;
 using Bytes = std::vector<std::uint8_t>;
 
-// The inputs as one byte stream; unit i of `bytes` bytes.
+// The inputs as one byte stream.
 Bytes Stream(Inputs inputs) {
     const std::uint32_t n = inputs == Inputs::codes ? 1u << 16 : 1u << 24;
     Bytes v(static_cast<std::size_t>(n) * (inputs == Inputs::triples ? 3 : inputs == Inputs::codes ? 2 : 4));
@@ -89,74 +89,64 @@ TEST_P(Exhaustive, EveryInputAtEveryLevel) {
             EXPECT_EQ(run(rows / 2, rows), STATUS_OK);
             half.join();
             EXPECT_EQ(first, STATUS_OK);
-            if (got == want) continue;
-            std::int64_t bad = 0, at = -1;
-            for (std::int64_t i = 0; i < n; ++i)
-                if (!std::equal(&got[i * c.dstBytes], &got[(i + 1) * c.dstBytes], &want[i * c.dstBytes]) &&
-                    bad++ == 0)
-                    at = i;
-            ADD_FAILURE() << c.name << " " << test::Name(level) << " order " << order << ": " << bad
-                          << " groups differ, the first " << at << " of " << n;
+            const auto bad = std::mismatch(got.begin(), got.end(), want.begin()).first - got.begin();
+            EXPECT_EQ(bad, static_cast<std::ptrdiff_t>(got.size()))
+                << test::Name(level) << " order " << order << ": group " << bad / c.dstBytes << " of " << n;
         }
     }
 }
 
-constexpr int kHeight = 3;
-constexpr int kMaxWidth = 100;
-constexpr int kMaxPad = 5;
-constexpr std::uint8_t kFill = 0xA5;
+class Grid : public ::testing::TestWithParam<int> {};
 
-using Grid = test::EveryCase;
-
-// Random groups the kernel accepts; the destination's padding a fill byte
-// that must stay, and with equal sizes the same conversion in place.
+// Random groups the kernel accepts, every width up to 100, paddings 0..5,
+// both orders, at every level; the destination's padding a fill byte that
+// must stay, and with equal sizes the same conversion in place (where the
+// padding keeps the source's bytes).
 TEST_P(Grid, WidthsPaddingsOrdersInPlace) {
-    const Case& c = TheCase();
-    std::mt19937 rng(4242);
-    int bad = 0;
-    std::string first;
-    for (int width = c.group; width <= kMaxWidth; width += c.group)
-        for (int srcPad = 0; srcPad <= kMaxPad; ++srcPad)
-            for (int dstPad = 0; dstPad <= kMaxPad; ++dstPad)
-                for (int order : {1, 0}) {
-                    const int groups = width / c.group;
-                    const int srcStride = groups * c.srcBytes + srcPad, dstStride = groups * c.dstBytes + dstPad;
-                    Bytes src(static_cast<std::size_t>(srcStride) * kHeight);
-                    Bytes want(static_cast<std::size_t>(dstStride) * kHeight, kFill);
-                    for (int y = 0; y < kHeight; ++y)
-                        for (int x = 0; x < groups; ++x) {
-                            std::uint8_t* in = &src[y * srcStride + x * c.srcBytes];
-                            do
-                                for (int k = 0; k < c.srcBytes; ++k) in[k] = static_cast<std::uint8_t>(rng());
-                            while (!c.ref(in, &want[y * dstStride + x * c.dstBytes], order, c.black));
-                        }
-                    Bytes got(want.size(), kFill);
-                    bool ok = c.kernel(src.data(), got.data(), width, kHeight, srcPad, dstPad, c.black, order) ==
-                                  STATUS_OK &&
-                              got == want;
-                    if (c.srcBytes == c.dstBytes && srcPad == dstPad) {
-                        // In place: the padding keeps the source's bytes.
-                        Bytes inPlace = src, wantInPlace = src;
+    constexpr int kHeight = 3;
+    constexpr std::uint8_t kFill = 0xA5;
+    const Case& c = test::kCases[GetParam()];
+    for (color::Isa level : test::Levels()) {
+        const test::IsaCap cap(level);
+        std::mt19937 rng(4242);
+        int bad = 0;
+        std::string first;
+        for (int width = c.group; width <= 100; width += c.group)
+            for (int srcPad = 0; srcPad <= 5; ++srcPad)
+                for (int dstPad = 0; dstPad <= 5; ++dstPad)
+                    for (int order : {1, 0}) {
+                        const int groups = width / c.group;
+                        const int srcStride = groups * c.srcBytes + srcPad, dstStride = groups * c.dstBytes + dstPad;
+                        Bytes src(static_cast<std::size_t>(srcStride) * kHeight);
+                        Bytes want(static_cast<std::size_t>(dstStride) * kHeight, kFill), got(want.size(), kFill);
                         for (int y = 0; y < kHeight; ++y)
-                            std::copy_n(&want[y * dstStride], groups * c.dstBytes, &wantInPlace[y * dstStride]);
-                        ok = ok && c.kernel(inPlace.data(), inPlace.data(), width, kHeight, srcPad, dstPad, c.black,
-                                            order) == STATUS_OK;
-                        ok = ok && inPlace == wantInPlace;
+                            for (int x = 0; x < groups; ++x) {
+                                std::uint8_t* in = &src[y * srcStride + x * c.srcBytes];
+                                do
+                                    for (int k = 0; k < c.srcBytes; ++k) in[k] = static_cast<std::uint8_t>(rng());
+                                while (!c.ref(in, &want[y * dstStride + x * c.dstBytes], order, c.black));
+                            }
+                        bool ok = c.kernel(src.data(), got.data(), width, kHeight, srcPad, dstPad, c.black, order) ==
+                                      STATUS_OK &&
+                                  got == want;
+                        if (c.srcBytes == c.dstBytes && srcPad == dstPad) {
+                            Bytes inPlace = src, wantInPlace = src;
+                            for (int y = 0; y < kHeight; ++y)
+                                std::copy_n(&want[y * dstStride], groups * c.dstBytes, &wantInPlace[y * dstStride]);
+                            ok = ok && c.kernel(inPlace.data(), inPlace.data(), width, kHeight, srcPad, dstPad,
+                                                c.black, order) == STATUS_OK;
+                            ok = ok && inPlace == wantInPlace;
+                        }
+                        if (!ok && bad++ == 0)
+                            first = "width " + std::to_string(width) + " pads " + std::to_string(srcPad) + "/" +
+                                    std::to_string(dstPad) + " order " + std::to_string(order);
                     }
-                    if (!ok && bad++ == 0)
-                        first = "width " + std::to_string(width) + " pads " + std::to_string(srcPad) + "/" +
-                                std::to_string(dstPad) + " order " + std::to_string(order);
-                }
-    EXPECT_EQ(bad, 0) << c.name << ", first: " << first;
+        EXPECT_EQ(bad, 0) << test::Name(level) << ", first: " << first;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Kernels, Exhaustive, ::testing::Range(0, test::kCaseCount), [](const auto& info) {
-    std::string name = test::kCases[info.param].name;
-    for (char& ch : name)
-        if (ch == '-') ch = 'm';
-    return name;
-});
-KT_EVERY_CASE(Grid);
+KT_FOR_EVERY_CASE(Exhaustive);
+KT_FOR_EVERY_CASE(Grid);
 
 }  // namespace
 }  // namespace kt
