@@ -30,8 +30,7 @@ KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int wid
     rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
         for (int i = 0; i < rows::kChunk; ++i) {
             const int r = in[O::r][i], g = in[O::g][i], b = in[O::b][i];
-            const int mx = r > g ? (r > b ? r : b) : (g > b ? g : b);
-            const int mn = r < g ? (r < b ? r : b) : (g < b ? g : b);
+            const int mx = rows::Max3(r, g, b), mn = rows::Min3(r, g, b);
             const int sum = mx + mn;
             const int l = (sum + 1) * 255 / kDoubleFull;
             const int delta = mx - mn;

@@ -26,8 +26,7 @@ KT_ROW_INLINE void FromRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int wid
     rows::Chunked<3, 3>(s, d, width, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
         for (int i = 0; i < rows::kChunk; ++i) {
             const int r = in[O::r][i], g = in[O::g][i], b = in[O::b][i];
-            const int mx = r > g ? (r > b ? r : b) : (g > b ? g : b);
-            const int mn = r < g ? (r < b ? r : b) : (g < b ? g : b);
+            const int mx = rows::Max3(r, g, b), mn = rows::Min3(r, g, b);
             const int delta = mx - mn;
             const int sat = MulDivLane(delta, 255, mx > 0 ? mx : 1);  // 0 when mx is 0
             const int num = mx == r ? g - b : (mx == g ? b - r : r - g);

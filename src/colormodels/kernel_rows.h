@@ -206,6 +206,7 @@ KT_ROW_INLINE int ExactQuotient(int a, int c) {
 }
 
 [[gnu::always_inline]] constexpr int Min3(int a, int b, int c) { return a < b ? (a < c ? a : c) : (b < c ? b : c); }
+[[gnu::always_inline]] constexpr int Max3(int a, int b, int c) { return a > b ? (a > c ? a : c) : (b > c ? b : c); }
 
 // Clamp a double into [lo, hi] before truncating it.
 [[gnu::always_inline]] constexpr double Clamp(double x, double lo, double hi) { return x < lo ? lo : (x > hi ? hi : x); }

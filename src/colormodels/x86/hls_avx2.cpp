@@ -35,8 +35,7 @@ void FromRgbAvx2(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept 
     avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const avx2::Step st = avx2::Load(m, from);
         const __m256i r = st.c[O::r], g = st.c[O::g], b = st.c[O::b];
-        const __m256i mx = _mm256_max_epi32(r, _mm256_max_epi32(g, b));
-        const __m256i mn = _mm256_min_epi32(r, _mm256_min_epi32(g, b));
+        const __m256i mx = avx2::Max3(r, g, b), mn = avx2::Min3(r, g, b);
         const __m256i sum = _mm256_add_epi32(mx, mn);
         const __m256i l = _mm256_srli_epi32(_mm256_add_epi32(sum, one), 1);
         const __m256i delta = _mm256_sub_epi32(mx, mn);
@@ -44,8 +43,7 @@ void FromRgbAvx2(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept 
         const __m256i den = _mm256_blendv_epi8(sum, _mm256_sub_epi32(_mm256_set1_epi32(kDoubleFull), sum), light);
         const __m256i scaled = _mm256_sub_epi32(_mm256_slli_epi32(delta, 8), delta);
         const __m256i sat = Quotient(_mm256_add_epi32(scaled, _mm256_srli_epi32(den, 1)), _mm256_max_epi32(den, one));
-        const __m256i isR = _mm256_cmpeq_epi32(mx, r);
-        const __m256i isG = _mm256_andnot_si256(isR, _mm256_cmpeq_epi32(mx, g));
+        const auto [isR, isG] = avx2::LargestOf(mx, r, g);
         const __m256i dr = _mm256_sub_epi32(mx, r), dg = _mm256_sub_epi32(mx, g), db = _mm256_sub_epi32(mx, b);
         const __m256i first = _mm256_blendv_epi8(_mm256_blendv_epi8(dg, dr, isG), db, isR);
         const __m256i second = _mm256_blendv_epi8(_mm256_blendv_epi8(dr, db, isG), dg, isR);

@@ -89,14 +89,12 @@ void FromRgbAvx2(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept 
     avx2::Steps(s, d, width, [&](const avx2::Masks& m, const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const avx2::Step st = avx2::Load(m, from);
         const __m256i r = st.c[O::r], g = st.c[O::g], b = st.c[O::b];
-        const __m256i mx = _mm256_max_epi32(r, _mm256_max_epi32(g, b));
-        const __m256i mn = _mm256_min_epi32(r, _mm256_min_epi32(g, b));
+        const __m256i mx = avx2::Max3(r, g, b), mn = avx2::Min3(r, g, b);
         const __m256i delta = _mm256_sub_epi32(mx, mn);
         // MulDiv(delta, 255, mx), 0 when mx is 0.
         const __m256i scaled = _mm256_sub_epi32(_mm256_slli_epi32(delta, 8), delta);
         const __m256i sat = Quotient(_mm256_add_epi32(scaled, _mm256_srli_epi32(mx, 1)), _mm256_max_epi32(mx, one));
-        const __m256i isR = _mm256_cmpeq_epi32(mx, r);
-        const __m256i isG = _mm256_andnot_si256(isR, _mm256_cmpeq_epi32(mx, g));
+        const auto [isR, isG] = avx2::LargestOf(mx, r, g);
         __m256i num = _mm256_blendv_epi8(_mm256_sub_epi32(r, g), _mm256_sub_epi32(b, r), isG);
         num = _mm256_blendv_epi8(num, _mm256_sub_epi32(g, b), isR);
         __m256i base = _mm256_blendv_epi8(_mm256_set1_epi32(4 * kSextant), _mm256_set1_epi32(2 * kSextant), isG);

@@ -164,6 +164,24 @@ template <class F>
     return _mm256_cvttps_epi32(_mm256_div_ps(_mm256_cvtepi32_ps(a), _mm256_cvtepi32_ps(c)));
 }
 
+// rows::Max3 and rows::Min3 for eight lanes.
+[[gnu::always_inline]] inline __m256i Max3(__m256i a, __m256i b, __m256i c) {
+    return _mm256_max_epi32(a, _mm256_max_epi32(b, c));
+}
+[[gnu::always_inline]] inline __m256i Min3(__m256i a, __m256i b, __m256i c) {
+    return _mm256_min_epi32(a, _mm256_min_epi32(b, c));
+}
+
+// Which channel is the largest, mx: red, else green (the hue formulas'
+// order of preference), as lane masks.
+struct Largest {
+    __m256i isR, isG;
+};
+[[gnu::always_inline]] inline Largest LargestOf(__m256i mx, __m256i r, __m256i g) {
+    const __m256i isR = _mm256_cmpeq_epi32(mx, r);
+    return {isR, _mm256_andnot_si256(isR, _mm256_cmpeq_epi32(mx, g))};
+}
+
 // The lane-wise clamp.
 [[gnu::always_inline]] inline __m256i Clamp(__m256i v, int lo, int hi) {
     return _mm256_min_epi32(_mm256_max_epi32(v, _mm256_set1_epi32(lo)), _mm256_set1_epi32(hi));
