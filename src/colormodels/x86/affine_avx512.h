@@ -9,23 +9,12 @@
 // against the reference wherever the processor has it.
 #pragma once
 
-#if !defined(__AVX512VBMI__)
-#error "include only from an AVX-512 file (*_avx512.cpp)"
-#endif
-
-// GCC 12 takes the AVX-512 intrinsics' undefined pass-through operands for
-// uninitialized reads (its bug 105593); the state applies where the
-// intrinsics are defined, so this header must bring them in first.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#include <immintrin.h>
-#pragma GCC diagnostic pop
+#include "colormodels/x86/avx512.h"
 
 #include <cstdint>
 
 #include "colormodels/x86/affine_avx2.h"
 #include "colormodels/kernel_rows.h"
-
 
 namespace kt::color::affine512 {
 // Internal to each instruction-set file: no inline function compiled for
@@ -134,12 +123,6 @@ template <class O, class Exact>
     return _mm512_cvttpd_epi32(_mm512_min_pd(_mm512_max_pd(x, _mm512_set1_pd(lo)), _mm512_set1_pd(hi)));
 }
 
-// Stores the 48 bytes of a step.
-[[gnu::always_inline]] inline void Store(std::uint8_t* d, __m512i bytes) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), _mm512_castsi512_si256(bytes));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 32), _mm512_extracti32x4_epi32(bytes, 2));
-}
-
 // Converts an RGB row; exact(r, g, b, out) is the double formula over eight
 // pixels. Kept steps are redone when the store fills and at the row's end.
 constexpr int kKept = 32;
@@ -150,7 +133,7 @@ template <class O, class Exact>
     std::uint8_t* keptAt[kKept];
     int n = 0;
     const auto redoKept = [&]() {
-        for (int k = 0; k < n; ++k) Store(keptAt[k], ExactBytes<O>(v, kept[k], exact));
+        for (int k = 0; k < n; ++k) avx512::Store48(keptAt[k], ExactBytes<O>(v, kept[k], exact));
         n = 0;
     };
     int x = 0;
@@ -158,7 +141,7 @@ template <class O, class Exact>
         const __m512i raw = _mm512_maskz_loadu_epi8(kStepMask, s);
         const __m512i r = Spread(v, raw, O::r), g = Spread(v, raw, O::g), b = Spread(v, raw, O::b);
         const __m512i s0 = Sum(v, 0, r, g, b), s1 = Sum(v, 1, r, g, b), s2 = Sum(v, 2, r, g, b);
-        Store(d, FloorBytes(f, v, s0, s1, s2));
+        avx512::Store48(d, FloorBytes(f, v, s0, s1, s2));
         kept[n] = raw;
         keptAt[n] = d;
         n += Near(s0, s1, s2) != 0;
@@ -167,7 +150,7 @@ template <class O, class Exact>
     redoKept();
     if (x == width) return;
     // The last pixels: the lanes beyond them read zeros and are not stored.
-    const std::uint64_t bytes = (std::uint64_t{1} << (3 * (width - x))) - 1;
+    const std::uint64_t bytes = avx512::LowBytes(3 * (width - x));
     const __m512i raw = _mm512_maskz_loadu_epi8(bytes, s);
     const __m512i r = Spread(v, raw, O::r), g = Spread(v, raw, O::g), b = Spread(v, raw, O::b);
     const __m512i s0 = Sum(v, 0, r, g, b), s1 = Sum(v, 1, r, g, b), s2 = Sum(v, 2, r, g, b);

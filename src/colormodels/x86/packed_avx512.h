@@ -6,22 +6,11 @@
 // the row's last pixels.
 #pragma once
 
-#if !defined(__AVX512VBMI__)
-#error "include only from an AVX-512 file (*_avx512.cpp)"
-#endif
-
-// GCC 12 takes the AVX-512 intrinsics' undefined pass-through operands for
-// uninitialized reads (its bug 105593); the state applies where the
-// intrinsics are defined, so this header must bring them in first.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#include <immintrin.h>
-#pragma GCC diagnostic pop
+#include "colormodels/x86/avx512.h"
 
 #include <cstdint>
 
 #include "colormodels/packed_yuv_math.h"
-
 
 namespace kt::color::packed512 {
 // Internal to each instruction-set file: no inline function compiled for
@@ -96,15 +85,13 @@ void ToRgbRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     int x = 0;
     for (; x + kStep <= width; x += kStep, s += kInBytes, d += kOutBytes) {
         const __m512i raw = _mm512_zextsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(s)));
-        const __m512i out = Pixels(m, raw);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), _mm512_castsi512_si256(out));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 32), _mm512_extracti32x4_epi32(out, 2));
+        avx512::Store48(d, Pixels(m, raw));
     }
     if (x == width) return;
     // The last pixels: the lanes beyond them read zeros and are not stored.
     const int n = width - x;
-    const __m512i raw = _mm512_maskz_loadu_epi8((std::uint64_t{1} << (2 * n)) - 1, s);
-    _mm512_mask_storeu_epi8(d, (std::uint64_t{1} << (3 * n)) - 1, Pixels(m, raw));
+    const __m512i raw = _mm512_maskz_loadu_epi8(avx512::LowBytes(2 * n), s);
+    _mm512_mask_storeu_epi8(d, avx512::LowBytes(3 * n), Pixels(m, raw));
 }
 
 }  // namespace

@@ -4,20 +4,9 @@
 // Masked loads and stores take the row's last pixels.
 #pragma once
 
-#if !defined(__AVX512VBMI__)
-#error "include only from an AVX-512 file (*_avx512.cpp)"
-#endif
-
-// GCC 12 takes the AVX-512 intrinsics' undefined pass-through operands for
-// uninitialized reads (its bug 105593); the state applies where the
-// intrinsics are defined, so this header must bring them in first.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#include <immintrin.h>
-#pragma GCC diagnostic pop
+#include "colormodels/x86/avx512.h"
 
 #include <cstdint>
-
 
 namespace kt::color::rgb444_512 {
 // Internal to each instruction-set file: no inline function compiled for
@@ -27,12 +16,9 @@ namespace {
 constexpr int kStep = 32;        // pixels per step
 constexpr int kRgbBytes = 96;    // their RGB bytes
 constexpr int kCodeBytes = 64;   // their code bytes
-constexpr int kRegister = 64;    // bytes in a register; permute indices from here pick the second one
+constexpr int kRegister = avx512::kRegisterBytes;  // permute indices from here pick the second register
 constexpr std::uint64_t kHighBytes = 0xAAAAAAAAAAAAAAAA;  // byte 1 of each 16-bit lane
 constexpr int kBitSelect = 0xCA;  // ternary logic: a ? b : c, bit by bit
-
-// Bytes 0..n-1 of a register (n <= 64).
-constexpr std::uint64_t Bytes(int n) { return n >= kRegister ? ~std::uint64_t{0} : (std::uint64_t{1} << n) - 1; }
 
 struct Vectors {
     __m512i rb;          // from RGB: (R, B) per code word
@@ -79,10 +65,10 @@ void FromRgbRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     if (x == width) return;
     // The last pixels: the bytes beyond them read as zeros and are not stored.
     const int n = 3 * (width - x);
-    const __m512i lo = _mm512_maskz_loadu_epi8(Bytes(n), s);
-    const __m512i hi = n > kRegister ? _mm512_maskz_loadu_epi8(Bytes(n - kRegister), s + kRegister)
+    const __m512i lo = _mm512_maskz_loadu_epi8(avx512::UpToAllBytes(n), s);
+    const __m512i hi = n > kRegister ? _mm512_maskz_loadu_epi8(avx512::UpToAllBytes(n - kRegister), s + kRegister)
                                      : _mm512_setzero_si512();
-    _mm512_mask_storeu_epi8(d, Bytes(2 * (width - x)), Codes(m, lo, hi));
+    _mm512_mask_storeu_epi8(d, avx512::UpToAllBytes(2 * (width - x)), Codes(m, lo, hi));
 }
 
 // R = code byte 0 << 4, G = code byte 1 & 0xF0, B = code byte 1 << 4: the
@@ -107,9 +93,9 @@ void ToRgbRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     if (x == width) return;
     // The last pixels: the bytes beyond them read as zeros and are not stored.
     const int n = 3 * (width - x);
-    Spread(m, _mm512_maskz_loadu_epi8(Bytes(2 * (width - x)), s), out);
-    _mm512_mask_storeu_epi8(d, Bytes(n), out[0]);
-    if (n > kRegister) _mm512_mask_storeu_epi8(d + kRegister, Bytes(n - kRegister), out[1]);
+    Spread(m, _mm512_maskz_loadu_epi8(avx512::UpToAllBytes(2 * (width - x)), s), out);
+    _mm512_mask_storeu_epi8(d, avx512::UpToAllBytes(n), out[0]);
+    if (n > kRegister) _mm512_mask_storeu_epi8(d + kRegister, avx512::UpToAllBytes(n - kRegister), out[1]);
 }
 
 }  // namespace
