@@ -1,15 +1,17 @@
-// Custom emulation grids: the TIFF reader's checks and statuses, the size
-// bounds one pixel short, "II" and "MM" marks with little-endian fields,
-// hostile offsets, and the emulation branches of Vx_ClrInit and
-// Vx_ClrSetConversionParams (bit 8).
+// Emulation grids: the TIFF reader's checks and statuses, the size bounds
+// one pixel short, "II" and "MM" marks with little-endian fields, hostile
+// offsets, the emulation branches of Vx_ClrInit and
+// Vx_ClrSetConversionParams (bit 8), and the built-in grids' contents.
 #include <gtest/gtest.h>
 #include <tiffio.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "colormodels/builtin_data.h"
 #include "colormodels/emulation_grid_file.h"
 #include "colormodels/emulation_lookup.h"
+#include "colormodels/kernels.h"
 #include "convert/emulation_setup.h"
 #include "platform/alloc.h"
 #include "support/support.h"
@@ -242,6 +244,29 @@ TEST_F(CustomGrid, BuiltinSelectionByPair) {
         EXPECT_EQ(h.h->customEmulationTable, nullptr);
     }
     EXPECT_EQ(convert::SelectEmulationTable(nullptr, CS_CMYK, CS_RGB, nullptr, false), ERR_INVALID_PARAMETER);
+}
+
+// The built-in grids hold the Lab kernels' values at the nodes and the ICC
+// method's between the built-in press and display profiles.
+TEST(BuiltinGrids, HoldTheReferenceConversions) {
+    const std::uint8_t* grids = color::data::EmulationGrids();
+    const auto node = [](int i, int step) { return static_cast<std::uint8_t>(std::min(i * step, 255)); };
+    Bytes rgb, lab, cmyk;
+    for (int i = 0; i < 33 * 33 * 33; ++i) {
+        rgb.insert(rgb.end(), {node(i / 1089, 8), node(i / 33 % 33, 8), node(i % 33, 8)});
+        lab.insert(lab.end(), {rgb[3 * i], std::uint8_t(rgb[3 * i + 1] - 128), std::uint8_t(rgb[3 * i + 2] - 128)});
+    }
+    for (int i = 0; i < 17 * 17 * 17 * 17; ++i)
+        cmyk.insert(cmyk.end(), {node(i / 4913, 16), node(i / 289 % 17, 16), node(i / 17 % 17, 16), node(i % 17, 16)});
+    Bytes toLab(rgb.size()), toRgb(lab.size()), viaIcc(cmyk.size() / 4 * 3);
+    ConversionParams p = Params(METHOD_ICC);
+    Handle h(CS_CMYK, CS_RGB, &p);
+    ASSERT_EQ(color::RgbToLab(rgb.data(), toLab.data(), 33 * 33 * 33, 1, 0, 0, 0, 1), STATUS_OK);
+    ASSERT_EQ(color::LabToRgb(lab.data(), toRgb.data(), 33 * 33 * 33, 1, 0, 0, 0, 1), STATUS_OK);
+    ASSERT_EQ(Vx_ClrConvert(h.h, cmyk.data(), viaIcc.data(), 17 * 17 * 17 * 17, 1, 0, 0), STATUS_OK);
+    EXPECT_EQ(0, std::memcmp(grids + color::data::kGridSlot33, toLab.data(), toLab.size()));
+    EXPECT_EQ(0, std::memcmp(grids, toRgb.data(), toRgb.size()));
+    EXPECT_EQ(0, std::memcmp(grids + 2 * color::data::kGridSlot33, viaIcc.data(), viaIcc.size()));
 }
 
 // Only RGB to Lab reloads; the other pairs drop the grid and convert

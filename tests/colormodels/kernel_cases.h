@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -12,10 +13,12 @@
 #include <vector>
 
 #include "colormodels/cpu.h"
+#include "colormodels/emulation_lookup.h"
 #include "colormodels/kernels.h"
 #include "colormodels/lab_tables.h"
 #include "colormodels/reference/lab_xyz_reference.h"
 #include "colormodels/reference/reference_rgb_family.h"
+#include "support/support.h"
 
 namespace kt::test {
 
@@ -151,13 +154,16 @@ bool FromPacked(const std::uint8_t* in, std::uint8_t* out, int order, int) {
 }
 
 // The handle's Lab tables as kernels: RGB to Lab for the creation white
-// point, Lab to RGB for it and for the second one (Which 0 and 1).
+// point, through the rows that check the range of t (the path of tables
+// that do not bound it; the formula kernel takes the other), and Lab to RGB
+// for it and for the second one (Which 0 and 1).
 inline KtStatus RgbToLabByTable(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad,
                                 int dstPad, int, int order) noexcept {
     static const ::RgbToLabTable* const table = [] {
         auto* t = new ::RgbToLabTable;
         color::SetRgbToLabTableHeader(t, color::kInitWhitePoint, color::kDefaultLabRanges, color::kRgbToXyzMatrix);
         color::FillRgbToLabTable(t, 45);
+        t->engine.bounded = false;
         return t;
     }();
     return color::RgbToLabThroughTable(table, src, dst, width, height, srcPad, dstPad, order);
@@ -179,6 +185,53 @@ template <int Which>
 bool LabTableRef(const std::uint8_t* in, std::uint8_t* out, int order, int) {
     PutRgb(AsBytes(ktref::LabToRgbWith(in[0], in[1], in[2], kTableWhite[Which], kTableMatrix[Which], 0.45)), out,
            order);
+    return true;
+}
+
+// The grid lookups as kernels over one random grid per size (33 nodes per
+// axis for Lab, 17 for CMYK).
+inline const std::uint8_t* RandomGrid(int nodes) {
+    static const Bytes g33 = Random(33 * 33 * 33 * 3, 99), g17 = Random(17 * 17 * 17 * 17 * 3, 11);
+    return nodes == 33 ? g33.data() : g17.data();
+}
+template <auto Lookup, int Nodes>
+KtStatus OnGrid(const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad, int,
+                int order) noexcept {
+    return Lookup(RandomGrid(Nodes), src, dst, width, height, srcPad, dstPad, order);
+}
+// Node n of an axis of N nodes stands for n x step, the last one for 255.
+// The entry of the upper or lower corner around v (n axes).
+inline const std::uint8_t* Corner(int nodes, const int* v, int n, bool upper) {
+    const int step = nodes == 33 ? 8 : 16;
+    std::size_t at = 0;
+    for (int i = 0; i < n; ++i)
+        at = at * nodes + (upper ? (std::min((v[i] + step - 1) / step * step, 255) + step - 1) / step : v[i] / step);
+    return RandomGrid(nodes) + at * 3;
+}
+// RGB to Lab: a node only where R and G are multiples of 8 and B equals R;
+// a and b are signed means, truncated toward zero.
+inline bool GridRgbToLab(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    const Px3 c = ReadRgb(in, order);
+    const int v[3] = {c[0], c[1], c[2]};
+    const std::uint8_t *u = Corner(33, v, 3, true), *l = Corner(33, v, 3, false);
+    if (v[0] % 8 == 0 && v[1] % 8 == 0 && v[2] == v[0]) return std::copy_n(l, 3, out), true;
+    out[0] = static_cast<std::uint8_t>((u[0] + l[0]) / 2);
+    for (int k = 1; k < 3; ++k)
+        out[k] = static_cast<std::uint8_t>((static_cast<std::int8_t>(u[k]) + static_cast<std::int8_t>(l[k])) / 2);
+    return true;
+}
+// Lab (a, b offset by 128) and CMYK to RGB: the upper corner where every
+// value is a node, else unsigned means.
+template <int N>
+bool GridMean(const std::uint8_t* in, std::uint8_t* out, int order, int) {
+    constexpr int nodes = N == 3 ? 33 : 17, step = N == 3 ? 8 : 16;
+    int v[N];
+    for (int k = 0; k < N; ++k) v[k] = N == 3 && k > 0 ? in[k] ^ 128 : in[k];
+    const std::uint8_t *u = Corner(nodes, v, N, true), *l = Corner(nodes, v, N, false);
+    const bool onNodes = std::all_of(v, v + N, [](int x) { return x % step == 0 || x == 255; });
+    Px3 c;
+    for (int k = 0; k < 3; ++k) c[k] = onNodes ? u[k] : static_cast<std::uint8_t>((u[k] + l[k]) / 2);
+    PutRgb(c, out, order);
     return true;
 }
 
@@ -243,6 +296,9 @@ inline const Case kCases[] = {
     {"cmyk600_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 600},
     {"cmyk1000_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 1000},
     {"cmykm5000_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, -5000},
+    {"grid_rgb_lab", OnGrid<color::EmulateRgbToLab, 33>, 3, 3, 1, GridRgbToLab, Inputs::triples},
+    {"grid_lab_rgb", OnGrid<color::EmulateLabToRgb, 33>, 3, 3, 1, GridMean<3>, Inputs::triples},
+    {"grid_cmyk_rgb", OnGrid<color::EmulateCmykToRgb, 17>, 4, 3, 1, GridMean<4>, Inputs::cmyk},
 };
 inline constexpr int kCaseCount = sizeof kCases / sizeof kCases[0];
 

@@ -1,16 +1,14 @@
 // What the case table does not reach: the kernel contract (probes over the
 // exact extent, sizes and groups), HLS's refusal of a hue without
-// saturation, the affine steps' redo store, the Lab rows' range check,
-// planar 4:1:0 and every black value of CMYK.
+// saturation, the affine steps' redo store, planar 4:1:0 and every black
+// value of CMYK.
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstring>
-#include <memory>
 #include <random>
 
 #include "colormodels/kernel_cases.h"
-#include "colormodels/lab_engine.h"
 #include "support/support.h"
 
 namespace kt {
@@ -21,13 +19,6 @@ using test::kCases;
 using test::Px3;
 using Bytes = std::vector<std::uint8_t>;
 using Edges = test::AtEveryLevel;
-
-Bytes Random(std::size_t n, unsigned seed) {
-    std::mt19937 rng(seed);
-    Bytes v(n);
-    for (auto& b : v) b = static_cast<std::uint8_t>(rng());
-    return v;
-}
 
 std::size_t Extent(int bytes, int group, int width, int height, int pad) {
     return static_cast<std::size_t>(bytes * width / group + (pad < 1 ? 0 : pad)) * height;
@@ -59,6 +50,9 @@ TEST_P(Edges, ProbesCoverTheExactExtent) {
             EXPECT_EQ(k.kernel(nullptr, d, width, height, pad, pad, 175, 1), ERR_INVALID_PARAMETER);
         }
     }
+    // A grid lookup without a grid is refused too.
+    std::uint8_t px[3] = {1, 2, 3};
+    EXPECT_EQ(color::EmulateLabToRgb(nullptr, px, px, 1, 1, 0, 0, 1), ERR_INVALID_PARAMETER);
 }
 
 // Heights below 1 succeed at once, even without buffers; widths that break
@@ -133,32 +127,6 @@ TEST_P(Edges, AffineRowsRedoneInBulk) {
     }
 }
 
-// The RGB to Lab rows with the range of t checked, the path of tables that
-// do not bound it, on every byte triple of multiples of 5 (and one below)
-// plus random ones.
-TEST_P(Edges, LabRowsWithTheRangeCheck) {
-    Bytes px;
-    for (int a = 0; a <= 255; a += 5)
-        for (int b = 0; b <= 255; b += 5)
-            for (int c = 0; c <= 255; c += 5)
-                for (int d : {0, 1})
-                    px.insert(px.end(), {std::uint8_t(a - d * (a > 0)), std::uint8_t(b - d * (b > 0)),
-                                         std::uint8_t(c - d * (c > 0))});
-    const Bytes noise = Random(300000, 77);
-    px.insert(px.end(), noise.begin(), noise.end());
-    auto forward = std::make_unique<color::ForwardLab>();
-    color::BuildForwardLab(forward.get(), 2.2222222222222223, color::kInitWhitePoint, color::kRgbToXyzMatrix);
-    forward->bounded = false;
-    const int width = static_cast<int>(px.size() / 3);
-    for (int order : {1, 0}) {
-        Bytes want(px.size()), got(px.size());
-        for (int x = 0; x < width; ++x) test::FromRgb<ktref::RgbToLab>(&px[3 * x], &want[3 * x], order, 0);
-        const color::rows::OrderedRows& rows = color::rows::Pick(color::ForwardLabRows());
-        ASSERT_EQ((order ? rows.rgb : rows.bgr)(forward.get(), px.data(), got.data(), width), STATUS_OK);
-        EXPECT_TRUE(got == want) << "order " << order;
-    }
-}
-
 // Planar 4:1:0: the Y plane, then V, then U, each chroma sample the average
 // of its block's four row averages; back, with noise in the planes.
 TEST_P(Edges, Planar) {
@@ -170,7 +138,7 @@ TEST_P(Edges, Planar) {
             if (s.w == 4096 && pad != 0) continue;
             const int stride = 3 * s.w + pad, blocks = s.w / 4;
             const std::size_t planar = static_cast<std::size_t>(s.w) * s.h * 9 / 8;
-            Bytes rgb = Random(static_cast<std::size_t>(stride) * s.h, s.w + pad);
+            Bytes rgb = test::Random(static_cast<std::size_t>(stride) * s.h, s.w + pad);
             for (std::uint32_t i = 0; s.w == 4096 && i < (1u << 24); ++i) {
                 rgb[3 * i] = std::uint8_t(i >> 16), rgb[3 * i + 1] = std::uint8_t(i >> 8), rgb[3 * i + 2] = std::uint8_t(i);
             }
@@ -222,7 +190,7 @@ TEST_P(Edges, Planar) {
 TEST_P(Edges, CmykEveryBlackValue) {
     constexpr int kBlacks[] = {175, 0, 1, 249, 250, 251, 252, 328, 329, 330, 400, 500, 600, 750, 999, 1000,
                                1001, 1250, 2000, 5000, 32767, 65536, -1, -175, -330, -1000, -5000, INT_MAX, INT_MIN};
-    const Bytes rgb = Random(3 * 256 * 256, 7), cmyk = Random(4 * 256 * 256, 11);
+    const Bytes rgb = test::Random(3 * 256 * 256, 7), cmyk = test::Random(4 * 256 * 256, 11);
     for (int p : kBlacks)
         for (int order : {1, 0}) {
             Bytes got4(cmyk.size()), want4(cmyk.size()), got3(rgb.size()), want3(rgb.size());
