@@ -254,9 +254,10 @@ struct Case {
     int black = 0;
 };
 
-// Black values: 175 neither removes nor restores, 600 restores, 500 and
-// 1000 remove (1000 at full strength), 65536 removes beyond an int, -5000
-// restores from a negative value.
+// Black values: 175 neither removes nor restores; 350 removes just above
+// where the removal truncates to 0 everywhere (only from black), 1000 at
+// full strength, 65536 beyond an int and -1000 with a negative strength;
+// 600 restores, 1000 at full strength, -5000 from a negative value.
 inline const Case kCases[] = {
     {"rgb_bgr", color::RgbToRgbCopy, 3, 3, 1, Swap, Inputs::triples},
     {"rgb_cmy", color::RgbToCmy, 3, 3, 1, FromRgb<ref::RgbToCmy>, Inputs::triples},
@@ -289,9 +290,10 @@ inline const Case kCases[] = {
     {"rgb_yuv411", color::RgbToYuv411, 24, 12, 8, ToPacked<k411>, Inputs::triples},
     {"yuv411_rgb", color::Yuv411ToRgb, 12, 24, 8, FromPacked<k411>, Inputs::triples},
     {"rgb_cmyk175", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 175},
-    {"rgb_cmyk500", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 500},
+    {"rgb_cmyk350", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 350},
     {"rgb_cmyk1000", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 1000},
     {"rgb_cmyk65536", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, 65536},
+    {"rgb_cmykm1000", color::RgbToCmyk, 3, 4, 1, RgbToCmyk, Inputs::triples, -1000},
     {"cmyk175_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 175},
     {"cmyk600_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 600},
     {"cmyk1000_rgb", color::CmykToRgb, 4, 3, 1, CmykToRgb, Inputs::cmyk, 1000},

@@ -1,10 +1,8 @@
 // What the case table does not reach: the kernel contract (probes over the
 // exact extent, sizes and groups), HLS's refusal of a hue without
-// saturation, the affine steps' redo store, planar 4:1:0 and every black
-// value of CMYK.
+// saturation, the affine steps' redo store and planar 4:1:0.
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cstring>
 #include <random>
 
@@ -182,27 +180,6 @@ TEST_P(Edges, Planar) {
             }
         }
     }
-}
-
-// Black values around every change of behaviour: no removal and no
-// restoration (up to about 250), restoration from 251, removal from near
-// 329, full strength at 1000, beyond it, negative, and the extremes.
-TEST_P(Edges, CmykEveryBlackValue) {
-    constexpr int kBlacks[] = {175, 0, 1, 249, 250, 251, 252, 328, 329, 330, 400, 500, 600, 750, 999, 1000,
-                               1001, 1250, 2000, 5000, 32767, 65536, -1, -175, -330, -1000, -5000, INT_MAX, INT_MIN};
-    const Bytes rgb = test::Random(3 * 256 * 256, 7), cmyk = test::Random(4 * 256 * 256, 11);
-    for (int p : kBlacks)
-        for (int order : {1, 0}) {
-            Bytes got4(cmyk.size()), want4(cmyk.size()), got3(rgb.size()), want3(rgb.size());
-            for (int i = 0; i < 256 * 256; ++i) {
-                test::RgbToCmyk(&rgb[3 * i], &want4[4 * i], order, p);
-                test::CmykToRgb(&cmyk[4 * i], &want3[3 * i], order, p);
-            }
-            ASSERT_EQ(color::RgbToCmyk(rgb.data(), got4.data(), 256, 256, 0, 0, p, order), STATUS_OK);
-            ASSERT_EQ(color::CmykToRgb(cmyk.data(), got3.data(), 256, 256, 0, 0, p, order), STATUS_OK);
-            EXPECT_TRUE(got4 == want4) << "rgb->cmyk p " << p << " order " << order;
-            EXPECT_TRUE(got3 == want3) << "cmyk->rgb p " << p << " order " << order;
-        }
 }
 
 INSTANTIATE_TEST_SUITE_P(Isa, Edges, ::testing::ValuesIn(test::Levels()),
