@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,11 +49,9 @@ private:
 // every plain row is proven on any processor.
 class AtEveryLevel : public ::testing::TestWithParam<color::Isa> {
 protected:
-    void SetUp() override { cap_.emplace(GetParam()); }
-    void TearDown() override { cap_.reset(); }
-
-private:
-    std::optional<IsaCap> cap_;
+    void SetUp() override { previous_ = color::SetIsaCap(GetParam()); }
+    void TearDown() override { color::SetIsaCap(previous_); }
+    color::Isa previous_{};
 };
 
 using ref::Px3;

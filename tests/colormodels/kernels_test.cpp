@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <random>
-#include <thread>
 
 #include "colormodels/kernel_cases.h"
 
@@ -38,20 +36,13 @@ Bytes Stream(Inputs inputs) {
     return v;
 }
 
-// Runs body(first, last) over [0, n) on two threads.
-void Split2(std::int64_t n, const std::function<void(std::int64_t, std::int64_t)>& body) {
-    std::thread t([&] { body(0, n / 2); });
-    body(n / 2, n);
-    t.join();
-}
-
 class Exhaustive : public ::testing::TestWithParam<int> {};
 
-// Each case's inputs and references once, then the kernel at every level.
-// The groups the kernel accepts go through in one image of 4096-group rows
-// (one row when they do not fill whole rows), split between two threads;
-// the groups it refuses are left out (hls_rgb; the refusal itself is tested
-// in kernels_edges_test.cpp). Too slow under the sanitizers, which run the
+// Each case's inputs and references once per order, then the kernel at
+// every level. The groups the kernel accepts go through in one image of
+// 4096-group rows (one row when they do not fill whole rows); the groups
+// it refuses are left out (hls_rgb; the refusal itself is tested in
+// kernels_edges_test.cpp). Too slow under the sanitizers, which run the
 // grid below instead.
 TEST_P(Exhaustive, EveryInputAtEveryLevel) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -59,36 +50,21 @@ TEST_P(Exhaustive, EveryInputAtEveryLevel) {
 #endif
     const Case& c = test::kCases[GetParam()];
     const Bytes all = Stream(c.inputs);
-    const std::int64_t groups = static_cast<std::int64_t>(all.size()) / c.srcBytes;
     for (int order : {1, 0}) {
-        Bytes src(all.size()), want(static_cast<std::size_t>(groups) * c.dstBytes);
-        std::vector<char> accepted(static_cast<std::size_t>(groups));
-        Split2(groups, [&](std::int64_t a, std::int64_t b) {
-            for (std::int64_t i = a; i < b; ++i)
-                accepted[i] = c.ref(&all[i * c.srcBytes], &want[i * c.dstBytes], order, c.black);
-        });
-        std::int64_t n = 0;
-        for (std::int64_t i = 0; i < groups; ++i) {
-            if (!accepted[i]) continue;
-            std::copy_n(&all[i * c.srcBytes], c.srcBytes, &src[n * c.srcBytes]);
-            std::copy_n(&want[i * c.dstBytes], c.dstBytes, &want[n * c.dstBytes]);
-            ++n;
-        }
-        want.resize(static_cast<std::size_t>(n) * c.dstBytes);
+        Bytes src, want(all.size() / c.srcBytes * c.dstBytes);
+        src.reserve(all.size());
+        std::size_t n = 0;
+        for (std::size_t i = 0; i < all.size(); i += c.srcBytes)
+            if (c.ref(&all[i], &want[n * c.dstBytes], order, c.black))
+                ++n, src.insert(src.end(), &all[i], &all[i] + c.srcBytes);
+        want.resize(n * c.dstBytes);
         const int rowGroups = n % 4096 == 0 ? 4096 : static_cast<int>(n);
-        const int rows = static_cast<int>(n / rowGroups);
         for (color::Isa level : test::Levels()) {
             const test::IsaCap cap(level);
             Bytes got(want.size());
-            const auto run = [&](std::int64_t a, std::int64_t b) {
-                return c.kernel(&src[a * rowGroups * c.srcBytes], &got[a * rowGroups * c.dstBytes],
-                                rowGroups * c.group, static_cast<int>(b - a), 0, 0, c.black, order);
-            };
-            KtStatus first = STATUS_OK;
-            std::thread half([&] { first = run(0, rows / 2); });
-            EXPECT_EQ(run(rows / 2, rows), STATUS_OK);
-            half.join();
-            EXPECT_EQ(first, STATUS_OK);
+            EXPECT_EQ(c.kernel(src.data(), got.data(), rowGroups * c.group, static_cast<int>(n / rowGroups), 0, 0,
+                               c.black, order),
+                      STATUS_OK);
             const auto bad = std::mismatch(got.begin(), got.end(), want.begin()).first - got.begin();
             EXPECT_EQ(bad, static_cast<std::ptrdiff_t>(got.size()))
                 << test::Name(level) << " order " << order << ": group " << bad / c.dstBytes << " of " << n;

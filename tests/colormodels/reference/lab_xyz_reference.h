@@ -38,15 +38,6 @@ inline Triple RgbToLab(int R, int G, int B) {
     return StoreLab(LabF(x), LabF(y), LabF(z));
 }
 
-// The same with a table's gamma, white point and matrix (rows X, Y, Z).
-inline Triple RgbToLabWith(int R, int G, int B, double gamma, const double w[3], const double m[9]) {
-    const double r = std::pow(R / 255.0, gamma), g = std::pow(G / 255.0, gamma), b = std::pow(B / 255.0, gamma);
-    const double X = m[0] * r + m[1] * g + m[2] * b;
-    const double Y = m[3] * r + m[4] * g + m[5] * b;
-    const double Z = m[6] * r + m[7] * g + m[8] * b;
-    return StoreLab(LabF(X * 100 / w[0]), LabF(Y * 100 / w[1]), LabF(Z * 100 / w[2]));
-}
-
 inline double LabT(double f) {
     double t = f > 0.20689 ? f * f * f : (f - 0.13793103448275862) / 7.7867;
     if (t < 0) t = 0;
