@@ -48,10 +48,10 @@ void Yuv411ToRgbRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noex
     }
 }
 
-constexpr rows::OrderedRows kRgbToYuyvPlain = KT_ORDERED_ROWS(packed::RgbToYuyvRow);
-constexpr rows::OrderedRows kRgbToUyvyPlain = KT_ORDERED_ROWS(packed::RgbToUyvyRow);
-constexpr rows::OrderedRows kYuyvToRgbPlain = KT_ORDERED_ROWS(packed::YuyvToRgbRow);
-constexpr rows::OrderedRows kUyvyToRgbPlain = KT_ORDERED_ROWS(packed::UyvyToRgbRow);
+constexpr rows::OrderedRows kRgbToYuyvPlain = KT_ORDERED_ROWS(packed::RgbTo422Row<packed::kYuyv>);
+constexpr rows::OrderedRows kRgbToUyvyPlain = KT_ORDERED_ROWS(packed::RgbTo422Row<packed::kUyvy>);
+constexpr rows::OrderedRows kYuyvToRgbPlain = KT_ORDERED_ROWS(packed::Yuv422ToRgbRow<packed::kYuyv>);
+constexpr rows::OrderedRows kUyvyToRgbPlain = KT_ORDERED_ROWS(packed::Yuv422ToRgbRow<packed::kUyvy>);
 constexpr rows::OrderedRows kRgbTo411Plain = KT_ORDERED_ROWS(RgbTo411Row);
 constexpr rows::OrderedRows k411ToRgbPlain = KT_ORDERED_ROWS(Yuv411ToRgbRow);
 constexpr rows::IsaRows kRgbToYuyv{&kRgbToYuyvPlain, KT_X86(kRgbToYuyvAvx2)};

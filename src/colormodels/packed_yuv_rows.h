@@ -17,10 +17,11 @@ constexpr Layout422 kYuyv{0, 1, 2, 3};
 constexpr Layout422 kUyvy{1, 0, 3, 2};
 
 // Pairs of pixels go through the lane loops: six RGB bytes in, four packed
-// bytes out.
-template <class O>
-KT_ROW_INLINE void RgbTo422Row(O, Layout422 at, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    rows::Chunked<6, 4>(s, d, width / kPairPixels, [at](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+// bytes out. The layout is a template argument, so that each byte order is
+// a row of its own (KT_ORDERED_ROWS(RgbTo422Row<kYuyv>)).
+template <Layout422 at, class O>
+KT_ROW_INLINE void RgbTo422Row(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<6, 4>(s, d, width / kPairPixels, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
         for (int i = 0; i < rows::kChunk; ++i) {
             const int r0 = in[O::r][i], g0 = in[O::g][i], b0 = in[O::b][i];
             const int r1 = in[3 + O::r][i], g1 = in[3 + O::g][i], b1 = in[3 + O::b][i];
@@ -32,32 +33,15 @@ KT_ROW_INLINE void RgbTo422Row(O, Layout422 at, const std::uint8_t* s, std::uint
     });
 }
 
-template <class O>
-KT_ROW_INLINE void Yuv422ToRgbRow(O, Layout422 at, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    rows::Chunked<4, 6>(s, d, width / kPairPixels, [at](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
+template <Layout422 at, class O>
+KT_ROW_INLINE void Yuv422ToRgbRow(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
+    rows::Chunked<4, 6>(s, d, width / kPairPixels, [](const rows::Lanes* in, rows::Lanes* out) KT_LAMBDA_INLINE {
         for (int i = 0; i < rows::kChunk; ++i) {
             const int u = in[at.u][i], v = in[at.v][i];
             yuv::ToRgbLanes(in[at.y0][i], u, v, out[O::r][i], out[O::g][i], out[O::b][i]);
             yuv::ToRgbLanes(in[at.y1][i], u, v, out[3 + O::r][i], out[3 + O::g][i], out[3 + O::b][i]);
         }
     });
-}
-
-template <class O>
-KT_ROW_INLINE void RgbToYuyvRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    RgbTo422Row(o, kYuyv, s, d, width);
-}
-template <class O>
-KT_ROW_INLINE void RgbToUyvyRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    RgbTo422Row(o, kUyvy, s, d, width);
-}
-template <class O>
-KT_ROW_INLINE void YuyvToRgbRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    Yuv422ToRgbRow(o, kYuyv, s, d, width);
-}
-template <class O>
-KT_ROW_INLINE void UyvyToRgbRow(O o, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
-    Yuv422ToRgbRow(o, kUyvy, s, d, width);
 }
 
 }  // namespace kt::color::packed

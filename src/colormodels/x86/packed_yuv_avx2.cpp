@@ -20,8 +20,8 @@ void UyvyToRgb(O, const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
 
 }  // namespace
 
-const rows::OrderedRows kRgbToYuyvAvx2 = KT_ORDERED_ROWS(packed::RgbToYuyvRow);
-const rows::OrderedRows kRgbToUyvyAvx2 = KT_ORDERED_ROWS(packed::RgbToUyvyRow);
+const rows::OrderedRows kRgbToYuyvAvx2 = KT_ORDERED_ROWS(packed::RgbTo422Row<kYuyv>);
+const rows::OrderedRows kRgbToUyvyAvx2 = KT_ORDERED_ROWS(packed::RgbTo422Row<kUyvy>);
 const rows::OrderedRows kYuyvToRgbAvx2 = KT_ORDERED_ROWS(YuyvToRgb);
 const rows::OrderedRows kUyvyToRgbAvx2 = KT_ORDERED_ROWS(UyvyToRgb);
 
