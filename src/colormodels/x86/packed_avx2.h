@@ -8,27 +8,20 @@
 // scratch copy of avx2::StepRow takes the rest.
 #pragma once
 
-#if !defined(__AVX2__)
-#error "include only from an AVX2 file (*_avx2.cpp)"
-#endif
-
-#include <immintrin.h>
-
 #include <cstdint>
 
 #include "colormodels/packed_yuv_math.h"
-#include "colormodels/x86/lanes_avx2.h"
-
+#include "colormodels/x86/lanes_avx2.h"  // also the AVX2-only guard and the intrinsics
 
 namespace kt::color::packed256 {
 // Internal to each instruction-set file: no inline function compiled for
 // one level may stand in for another's at link time.
 namespace {
 
-constexpr int kStep = 8;       // pixels per step
-constexpr int kReach = 10;     // pixels a step needs left in the row (four bytes written past it)
-constexpr int kInBytes = 16;
-constexpr int kOutBytes = 24;
+// Eight pixels a step, like the 3-byte steps, and the same reach: the
+// second half's store ends four bytes past the step.
+using avx2::kStep;
+using avx2::kStepReach;
 constexpr int kHalfOut = 12;
 constexpr std::int8_t kZero = -1;  // a shuffle index that yields 0
 
@@ -74,7 +67,7 @@ void ToRgbRow(const std::uint8_t* s, std::uint8_t* d, int width) noexcept {
     const __m256i cB = _mm256_set1_epi32(WordPair(kLumaGain, kBlueU));
     const __m256i bR = _mm256_set1_epi32(kRedBias), bG = _mm256_set1_epi32(kGreenBias),
                   bB = _mm256_set1_epi32(kBlueBias);
-    avx2::StepRow<kStep, kReach, 2, 3>(s, d, width, [&](const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
+    avx2::StepRow<kStep, kStepReach, 2, 3>(s, d, width, [&](const std::uint8_t* from, std::uint8_t* to) KT_STEP_INLINE {
         const __m256i raw = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)));
         const __m256i yv = _mm256_shuffle_epi8(raw, m.yv), yu = _mm256_shuffle_epi8(raw, m.yu),
                       v = _mm256_shuffle_epi8(raw, m.v);
