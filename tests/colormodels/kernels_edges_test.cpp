@@ -1,6 +1,6 @@
 // What the case table does not reach: the kernel contract (probes over the
 // exact extent, sizes and groups), HLS's refusal of a hue without
-// saturation, the affine steps' redo store and planar 4:1:0.
+// saturation and planar 4:1:0.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -99,30 +99,6 @@ TEST_P(Edges, HlsRefusesAHueWithoutSaturationAnywhere) {
             ASSERT_EQ(color::HlsToRgb(src.data(), got.data(), width, 1, 0, 0, 0, 1), ERR_INVALID_TAG);
             ASSERT_EQ(got, want) << "width " << width << " at " << at;
         }
-}
-
-// Long rows of grey pixels with a few random ones: nearly every step of
-// the affine kernels lies near a whole number and is redone, many more than
-// the redo store holds; converted apart and in place.
-TEST_P(Edges, AffineRowsRedoneInBulk) {
-    constexpr int kWidth = 3001, kHeight = 4;
-    std::mt19937 rng(99);
-    Bytes src(static_cast<std::size_t>(3) * kWidth * kHeight);
-    for (std::size_t i = 0; i < src.size(); i += 3) {
-        src[i] = src[i + 1] = src[i + 2] = static_cast<std::uint8_t>(rng());
-        if (rng() % 97 == 0) src[i + 1] = static_cast<std::uint8_t>(rng());
-    }
-    for (const Case& c : kCases) {
-        if (c.kernel != color::RgbToYcbcr && c.kernel != color::RgbToYuv && c.kernel != color::RgbToYiq) continue;
-        for (int order : {1, 0}) {
-            Bytes want(src.size()), got(src.size()), inPlace = src;
-            for (std::size_t i = 0; i < src.size(); i += 3) c.ref(&src[i], &want[i], order, 0);
-            ASSERT_EQ(c.kernel(src.data(), got.data(), kWidth, kHeight, 0, 0, 0, order), STATUS_OK);
-            ASSERT_EQ(c.kernel(inPlace.data(), inPlace.data(), kWidth, kHeight, 0, 0, 0, order), STATUS_OK);
-            EXPECT_TRUE(got == want) << c.name << " order " << order;
-            EXPECT_TRUE(inPlace == want) << c.name << " in place, order " << order;
-        }
-    }
 }
 
 // Planar 4:1:0: the Y plane, then V, then U, each chroma sample the average
