@@ -14,7 +14,7 @@ std::string ChunkS(const char* id, const std::string& body) { return std::string
 // The extension takes the trailer's place: head, 255-byte sub-blocks, the
 // rest, terminator, trailer. ImageMagick still decodes the same pixels.
 TEST(SaveGif, ExtensionInPlaceOfTheTrailer) {
-    test::ScratchDir dir;
+    ScratchDir dir;
     const std::string path = dir.File("image.gif");
     Sh("convert -size 30x20 gradient:red-blue " + path);
     const std::string original = ReadFile(path), pixels = Pixels(path);
@@ -37,13 +37,13 @@ TEST(SaveGif, ExtensionInPlaceOfTheTrailer) {
 // following; dwebp decodes the same pixels, exiftool and the loader read the
 // new profile.
 TEST(SaveWebp, ChunkReplacedOrAppended) {
-    test::ScratchDir dir;
+    ScratchDir dir;
     const std::string png = dir.File("source.png"), plain = dir.File("plain.webp"), lossless = dir.File("lossless.webp"),
                       withIcc = dir.File("icc.webp"), path = dir.File("image.webp");
     Sh("convert -size 30x20 gradient:red-blue " + png);
     Sh("cwebp -quiet " + png + " -o " + plain);
     Sh("cwebp -quiet -lossless " + png + " -o " + lossless);
-    Sh("webpmux -set icc /usr/share/color/icc/sRGB.icc " + plain + " -o " + withIcc);
+    Sh("webpmux -set icc " + kSrgb + " " + plain + " -o " + withIcc);
     for (const std::string& source : {plain, lossless, withIcc}) {
         const std::string original = ReadFile(source), pixels = Pixels(source);
         const std::size_t at = original.find("ICCP");
@@ -75,7 +75,7 @@ TEST(SaveWebp, ChunkReplacedOrAppended) {
 // bit and ICCP follows it, padded; webpmux sees the profile, dwebp decodes
 // the same pixels.
 TEST(SaveWebp, ContainerRules) {
-    test::ScratchDir dir;
+    ScratchDir dir;
     const std::string png = dir.File("source.png"), path = dir.File("image.webp");
     Sh("convert -size 30x20 gradient:red-blue -alpha set -channel A -evaluate set 50% " + png);
     const Vx_SaveFileOptions options{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, VX_SAVE_WEBP_CONTAINER_RULES, nullptr};

@@ -13,6 +13,7 @@
 #include <zlib.h>
 
 #include "ktclr/storage.h"
+#include "storage/png_codec.h"
 #include "support/support.h"
 
 namespace kt::test {
@@ -133,6 +134,19 @@ inline Bytes Png(const Bytes& iccp) {
 inline Bytes Tiff(uint32_t count, const Bytes& valueField, const Bytes& tail = {}, uint32_t ifd = 8) {
     return Cat({Text("II"), Le16(42), Le32(ifd), Le16(1), Le16(34675), Le16(7), Le32(count), valueField, Le32(0), tail});
 }
+
+// A test with the PNG codec module of the build tree (the test binary is not
+// beside the module folder).
+class WithPngCodec : public ::testing::Test {
+protected:
+    void SetUp() override { storage::testing::ResetPngCodec(KTCLR_TEST_MODULE_DIR); }
+    void TearDown() override { storage::testing::ResetPngCodec(nullptr); }
+    ScratchDir dir_;
+};
+
+// The built-in profiles' folder in the source tree.
+inline const std::string kBuiltinDir = std::string(KTCLR_TEST_SOURCE_DIR) + "/data/builtin/";
+inline const std::string kSrgb = "/usr/share/color/icc/sRGB.icc";
 
 // A profile file of Debian's colour packages.
 std::string RealProfile(const char* name);
