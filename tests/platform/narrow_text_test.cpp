@@ -94,7 +94,6 @@ TEST(NarrowText, DuplicateWide) {
     FreeWide(wide, mem::Module::ktclr);
     EXPECT_FALSE(DuplicateWide("bad\xFF", &wide, mem::Module::ktclr));
     EXPECT_EQ(wide, nullptr);
-
 }
 
 }  // namespace

@@ -84,31 +84,6 @@ TEST(SafeReplace, RefusalsLeaveEverythingAsItWas) {
     EXPECT_EQ(dir.Entries(), std::vector<std::string>{"image.bin"});
 }
 
-TEST(SafeReplace, AnyFailingFileOperationOrAllocationLeavesTheOriginal) {
-    test::ScratchDir dir;
-    const std::string path = dir.File("image.bin"), backup = dir.File("image.bak"), before = Pattern(300000);
-    WriteFile(path, before);
-    auto unchanged = [&](const char* what, int n, int status) {
-        EXPECT_LT(status, 0) << what << " " << n;
-        EXPECT_TRUE(ReadFile(path) == before) << what << " " << n;
-        const auto names = dir.Entries();
-        EXPECT_TRUE(names == std::vector<std::string>{"image.bin"} ||
-                    (names == std::vector<std::string>{"image.bak", "image.bin"} && ReadFile(backup) == before))
-            << what << " " << n;
-    };
-    auto run = [&] {
-        WriteFile(path, before);
-        unlink(backup.c_str());
-        return Splice(path, 1000, "inserted", Wide(backup).c_str());
-    };
-    const int operations = test::ForEachFileFault(run, [&](file::faults::Op op, int n, int status) {
-        unchanged(op == file::faults::Op::read ? "read" : op == file::faults::Op::write ? "write" : "sync/rename", n,
-                  status);
-    });
-    EXPECT_GE(operations, 5);  // copies, the write, two flushes, two renames
-    test::ForEachAllocationFailure(run, [&](int n, int status) { unchanged("allocation", n, status); });
-}
-
 // A filesystem of 256 KB that a 200 KB file plus its temporary overflows.
 // Needs the right to mount (root in CI); skipped otherwise.
 TEST(SafeReplace, FullFilesystemLeavesTheOriginal) {

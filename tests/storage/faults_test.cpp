@@ -1,6 +1,8 @@
 // Failures injected at every step. Load and Save of a one-segment JPEG are
 // rows of the allocation table in tests/alloc; here are the other readers,
 // the other writers, and every failing file operation of every writer.
+#include <unistd.h>
+
 #include "platform/error_report.h"
 #include "storage_support.h"
 
@@ -25,6 +27,9 @@ TEST_F(Faults, EveryFailureIsAnsweredAndLeavesTheFile) {
     dir_.Write("a.56", Cat({{0xE0}, Be16(304), Be32(0), profile, {0xE0}, Be16(4), Be32(2)}));
     Load(dir_.File("icc.png"));  // the module stays loaded: its loading is no allocation of a load
     const Vx_SaveFileOptions rules{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, VX_SAVE_WEBP_CONTAINER_RULES, nullptr};
+    const std::string bak = dir_.File("a.bak");
+    const std::u16string wideBak = Wide(bak);
+    const Vx_SaveFileOptions backup{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 0, wideBak.c_str()};
     enum Kind { load, save, saveFileFaultsOnly };
     const struct {
         const char* name;
@@ -35,7 +40,7 @@ TEST_F(Faults, EveryFailureIsAnsweredAndLeavesTheFile) {
         {"a.56", load, nullptr},      {"icc.psd", load, nullptr},    {"icc.webp", load, nullptr},
         {"icc.png", load, nullptr},   {"a.jpg", saveFileFaultsOnly, nullptr}, {"a.tif", save, nullptr},
         {"a.gif", save, nullptr},     {"plain.webp", save, nullptr}, {"icc.webp", save, nullptr},
-        {"plain.webp", save, &rules},
+        {"plain.webp", save, &rules}, {"a.tif", save, &backup},
     };
     const std::string saved = Pattern(70000);
     for (const auto& r : rows) {
@@ -50,12 +55,16 @@ TEST_F(Faults, EveryFailureIsAnsweredAndLeavesTheFile) {
         const auto entries = dir_.Entries();
         auto run = [&] {
             WriteFile(path, before);
+            unlink(bak.c_str());
             report::Clear();
             return Save(path, saved, r.options);
         };
         auto unchanged = [&](int n, int status) {
             EXPECT_TRUE(status < 0 || (status == STATUS_OK && report::Last() < 0)) << n << ": " << status;
             EXPECT_TRUE(ReadFile(path) == before) << n;
+            // A backup may be left, holding the original.
+            EXPECT_TRUE(access(bak.c_str(), F_OK) != 0 || ReadFile(bak) == before) << n;
+            unlink(bak.c_str());
             EXPECT_EQ(dir_.Entries(), entries) << n;
         };
         ForEachFileFault(run, [&](file::faults::Op, int n, int status) { unchanged(n, status); });

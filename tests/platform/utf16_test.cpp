@@ -1,10 +1,9 @@
+// UTF-16 and UTF-8 conversions (the file names; files themselves are read
+// and written by every storage test).
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <string>
 
-#include "platform/file.h"
 #include "platform/utf16.h"
 
 namespace kt {
@@ -36,36 +35,6 @@ TEST(Utf16, CopyTruncatesAndTerminates) {
     text::Utf16Copy(dst, 4, u"abcdef");
     EXPECT_EQ(std::u16string(dst), u"abc");
     EXPECT_EQ(text::Utf16Length(u"abcdef", 3), 3u);
-}
-
-TEST(File, ExistsReadWriteByUtf16Name) {
-    char tmpl[] = "/tmp/ktclr-file-XXXXXX";
-    ASSERT_TRUE(mkdtemp(tmpl));
-    const std::string dir = tmpl;
-    const std::string name = dir + "/pr\xc3\xb6" "file.bin";
-    char16_t wide[256];
-    text::Utf8ToUtf16(name.c_str(), name.size(), wide, 256);
-
-    EXPECT_FALSE(file::Exists(wide));
-    {
-        file::File f;
-        ASSERT_TRUE(f.Open(wide, file::Mode::write, mem::Module::ktclr));
-        ASSERT_TRUE(f.WriteAll("hello world", 11));
-    }
-    EXPECT_TRUE(file::Exists(wide));
-    file::File f;
-    ASSERT_TRUE(f.Open(wide, file::Mode::read, mem::Module::ktclr));
-    EXPECT_EQ(f.Size(), 11);
-    char buf[16] = {};
-    ASSERT_TRUE(f.Seek(6));
-    ASSERT_TRUE(f.ReadExact(buf, 5));
-    EXPECT_STREQ(buf, "world");
-    EXPECT_FALSE(f.ReadExact(buf, 1));  // at the end: short read
-    f.Close();
-    std::remove(name.c_str());
-    rmdir(dir.c_str());
-    EXPECT_FALSE(file::Exists(nullptr));
-    EXPECT_FALSE(file::Exists(u""));
 }
 
 }  // namespace
