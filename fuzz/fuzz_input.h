@@ -10,6 +10,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -50,11 +52,8 @@ struct ScratchFile {
         Check(fd >= 0 && write(fd, bytes, n) == static_cast<ssize_t>(n) && close(fd) == 0, "scratch written");
     }
     std::vector<std::uint8_t> Read() const {
-        std::vector<std::uint8_t> bytes;
-        FILE* f = fopen(path.c_str(), "rb");
-        for (int c; f && (c = fgetc(f)) != EOF;) bytes.push_back(static_cast<std::uint8_t>(c));
-        if (f) fclose(f);
-        return bytes;
+        std::ifstream f(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
     }
     const KtChar16* name() const { return reinterpret_cast<const KtChar16*>(wide.c_str()); }
 };
