@@ -29,7 +29,7 @@ std::string Loaded(const std::string& path) {
     return std::string(bytes.begin(), bytes.end());
 }
 
-std::string Exiftool(const std::string& path) { return ShOut("exiftool -icc_profile -b '" + path + "'"); }
+std::string Exiftool(const std::string& path) { return ShOut("exiftool -a -icc_profile -b '" + path + "'"); }
 
 std::string Pixels(const std::string& path) {
     const std::string ext = path.substr(path.rfind('.') + 1), q = "'" + path + "'";

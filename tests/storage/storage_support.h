@@ -156,7 +156,8 @@ void Sh(const std::string& command);
 std::string ShOut(const std::string& command);
 
 KtStatus Save(const std::string& path, const std::string& profile, const Vx_SaveFileOptions* options = nullptr);
-// Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's.
+// Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's (every
+// page's, the first page's first).
 std::string Loaded(const std::string& path);
 std::string Exiftool(const std::string& path);
 // The pixels as the format's own library decodes them (PPM/PAM text).

@@ -1,0 +1,170 @@
+// Profiles saved into files Debian's tools made, one table over the formats:
+// exiftool and the loader read the new profile back, the format's own
+// decoder (djpeg, dwebp, ImageMagick; tiffcmp for every page of a TIFF)
+// sees the same pixels, and the bytes land where each container puts them.
+#include <functional>
+#include <vector>
+
+#include "storage_support.h"
+
+namespace kt::test {
+namespace {
+
+uint32_t Le32At(const std::string& s, std::size_t at) {
+    return uint8_t(s[at]) | uint8_t(s[at + 1]) << 8 | uint8_t(s[at + 2]) << 16 | uint32_t(uint8_t(s[at + 3])) << 24;
+}
+std::string Le32s(uint32_t v) { return std::string{char(v), char(v >> 8), char(v >> 16), char(v >> 24)}; }
+
+// A JPEG's segments up to the scan (from the 0xFF), the ICC ones apart, the
+// codes of all in order (0 for an ICC one) and the rest from the scan on.
+struct Layout {
+    std::vector<std::string> icc, other;
+    std::vector<int> codes;
+    std::string scan;
+};
+Layout Parse(const std::string& f) {
+    Layout l;
+    std::size_t i = 2;
+    while (i + 4 <= f.size() && uint8_t(f[i]) == 0xFF && uint8_t(f[i + 1]) != 0xDA) {
+        const std::string s = f.substr(i, 2 + (uint8_t(f[i + 2]) << 8 | uint8_t(f[i + 3])));
+        const bool icc = uint8_t(s[1]) == 0xE2 && s.compare(4, 12, std::string("ICC_PROFILE", 12)) == 0;
+        (icc ? l.icc : l.other).push_back(s);
+        l.codes.push_back(icc ? 0 : uint8_t(s[1]));
+        i += s.size();
+    }
+    l.scan = f.substr(i);
+    return l;
+}
+
+// The profile replaces the old one right after JFIF and Exif, in segments of
+// 65,533 bytes after the length field and a shorter last one, numbered; all
+// else byte for byte.
+void JpegBytes(const std::string& before, const std::string& after, const std::string& profile, uint32_t segments) {
+    const Layout b = Parse(before), a = Parse(after);
+    EXPECT_TRUE(a.other == b.other && a.scan == b.scan);
+    ASSERT_EQ(a.icc.size(), segments);
+    EXPECT_EQ(std::vector<int>(a.codes.begin(), a.codes.begin() + 2), (std::vector<int>{0xE0, 0xE1}));
+    std::string joined;
+    for (std::size_t i = 0; i < segments; ++i) {
+        EXPECT_TRUE(a.codes[2 + i] == 0 && uint8_t(a.icc[i][16]) == i + 1 && uint8_t(a.icc[i][17]) == segments);
+        EXPECT_TRUE(i + 1 == segments || a.icc[i].size() == 65537) << i;
+        joined += a.icc[i].substr(18);
+    }
+    EXPECT_TRUE(joined == profile);
+}
+
+// The extension takes the trailer's place: head, 255-byte sub-blocks, the
+// rest, terminator, trailer.
+void GifBytes(const std::string& before, const std::string& after, const std::string& profile) {
+    std::string blocks;
+    for (std::size_t at = 0; at < profile.size(); at += 255)
+        blocks += char(std::min<std::size_t>(255, profile.size() - at)) + profile.substr(at, 255);
+    EXPECT_TRUE(after == before.substr(0, before.size() - 1) + std::string("!\xff\x0bICCRGBG1\0\1\2", 14) + blocks +
+                             std::string("\0;", 2));
+}
+
+// The ICCP chunk replaced in place or appended (no pad byte), the RIFF size
+// following.
+void WebpBytes(const std::string& before, const std::string& after, const std::string& profile) {
+    const std::size_t at = before.find("ICCP");
+    const std::string chunk = "ICCP" + Le32s(uint32_t(profile.size())) + profile;
+    std::string expected = before + chunk;
+    if (at != std::string::npos) {
+        const uint32_t old = Le32At(before, at + 4);
+        expected = before.substr(0, at) + chunk + before.substr(at + 8 + old + (old & 1));
+    }
+    expected.replace(4, 4, Le32s(uint32_t(expected.size() - 8)));
+    EXPECT_TRUE(after == expected);
+}
+
+// With the container rules VP8X leads with its ICC bit (and ALPH's when the
+// image has one), ICCP follows it padded, and a second save replaces it.
+void WebpContainerBytes(const std::string& after, const std::string& profile, uint8_t flags) {
+    EXPECT_EQ(after.substr(12, 8), std::string("VP8X\x0a\0\0\0", 8));
+    EXPECT_EQ(uint8_t(after[20]), flags);
+    EXPECT_TRUE(after.substr(30, 8 + profile.size() + 1) == "ICCP" + Le32s(uint32_t(profile.size())) + profile + '\0');
+    EXPECT_EQ(Le32At(after, 4), after.size() - 8);
+    EXPECT_EQ(after.find("ICCP", 38), std::string::npos);
+}
+
+// Two pages in each byte order, classic and BigTIFF: libtiff's tools see
+// the new profile and both pages unchanged.
+void TiffPages(const std::string& original, const std::string& path, const std::string& profile) {
+    const std::string info = ShOut("tiffinfo '" + path + "' 2>&1");
+    EXPECT_NE(info.find("ICC Profile: <present>, " + std::to_string(profile.size()) + " bytes"), std::string::npos);
+    EXPECT_EQ(Run("tiffcmp '" + original + "' '" + path + "'"), 0);
+}
+
+TEST(Save, WitnessesReadTheProfileAndTheRestStays) {
+    const std::string jpegOld = "convert $G -profile " + kSrgb + " $O && exiftool -q -overwrite_original -Artist=k $O";
+    const std::string twoPages = "convert -size 24x16 gradient:red-blue -size 20x12 plasma:fractal -seed 3 ";
+    const std::string png = "convert $G -alpha set -channel A -evaluate set 50% a.png && cwebp -quiet ";
+    const Vx_SaveFileOptions rules{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, VX_SAVE_WEBP_CONTAINER_RULES, nullptr};
+    using Check = std::function<void(const std::string& before, const std::string& path, const std::string& profile)>;
+    auto jpeg = [](uint32_t segments) {
+        return [segments](auto& b, auto& p, auto& profile) { JpegBytes(b, ReadFile(p), profile, segments); };
+    };
+    auto gif = [](auto& b, auto& p, auto& profile) { GifBytes(b, ReadFile(p), profile); };
+    auto webp = [](auto& b, auto& p, auto& profile) { WebpBytes(b, ReadFile(p), profile); };
+    auto container = [](uint8_t flags) {
+        return [flags](auto&, auto& p, auto& profile) { WebpContainerBytes(ReadFile(p), profile, flags); };
+    };
+    auto tiff = [](auto& b, auto& p, auto& profile) {
+        WriteFile(p + ".before.tif", b);
+        TiffPages(p + ".before.tif", p, profile);
+    };
+    const std::string itu = RealProfile("ITULab.icc"), srgb = RealProfile("sRGB.icc");  // 431,756 and 3,144 bytes
+    const struct {
+        const char* name;
+        std::string make;  // $G a gradient, $O the file
+        std::vector<std::string> profiles;
+        Check check;
+        const Vx_SaveFileOptions* options = nullptr;
+    } rows[] = {
+        // Profile sizes around the 65,519-byte piece.
+        {"one.jpg", jpegOld, {Pattern(1), Pattern(65519), srgb}, jpeg(1)},
+        {"two.jpg", jpegOld, {Pattern(65520), Pattern(131038)}, jpeg(2)},
+        {"three.jpg", jpegOld, {Pattern(131039)}, jpeg(3)},
+        {"seven.jpg", jpegOld, {itu}, jpeg(7)},
+        {"a.gif", "convert $G $O", {Pattern(600), Pattern(255), Pattern(0)}, gif},
+        // Shorter, longer, same size, odd; an odd chunk without its pad
+        // byte makes the readers lose step, so they are not asked.
+        {"lossy.webp", "cwebp -quiet a.png -o $O", {Pattern(3000), Pattern(7001)}, webp},
+        {"lossless.webp", "cwebp -quiet -lossless a.png -o $O", {Pattern(3000)}, webp},
+        {"icc.webp", "cwebp -quiet a.png -o t.webp && webpmux -set icc " + kSrgb + " t.webp -o $O",
+         {Pattern(3000), Pattern(3144, 2), Pattern(8000), Pattern(7001)}, webp},
+        {"rules.webp", png + "-q 80 -noalpha a.png -o $O", {Pattern(6921)}, container(0x20), &rules},
+        {"rules_lossless.webp", png + "-lossless a.png -o $O", {Pattern(6921)}, container(0x30), &rules},
+        {"rules_alpha.webp", png + "-q 80 a.png -o $O", {Pattern(6921)}, container(0x30), &rules},
+        {"le.tif", twoPages + "-endian LSB $O", {Pattern(4), srgb}, tiff},
+        {"be.tif", twoPages + "-endian MSB $O", {srgb}, tiff},
+        {"old.tif", twoPages + "-endian LSB -profile " + kSrgb + " $O", {itu}, tiff},
+        {"big_le.tif", twoPages + "-endian LSB -define tiff:rows-per-strip=3 TIFF64:$O", {srgb}, tiff},
+        {"big_be.tif", twoPages + "-endian MSB TIFF64:$O", {Pattern(4)}, tiff},
+    };
+    ScratchDir dir;
+    const std::string cd = "cd " + dir.path() + " && G='-size 30x20 gradient:red-blue' && ";
+    Sh(cd + "convert $G a.png");
+    for (const auto& r : rows) {
+        const std::string path = dir.File(r.name);
+        const std::string ext = path.substr(path.rfind('.') + 1);
+        Sh(cd + "O=" + r.name + " && " + r.make);
+        const std::string original = ReadFile(path), pixels = Pixels(path);
+        for (const std::string& profile : r.profiles) {
+            SCOPED_TRACE(std::string(r.name) + " " + std::to_string(profile.size()));
+            WriteFile(path, original);
+            for (int saves = r.options ? 2 : 1; saves > 0; --saves)  // a second save replaces, never adds
+                ASSERT_EQ(Save(path, profile, r.options), STATUS_OK);
+            r.check(original, path, profile);
+            if (ext == "webp" && !r.options && profile.size() % 2) continue;
+            EXPECT_TRUE(Pixels(path) == pixels);
+            if (ext == "gif") continue;  // neither reader takes a GIF's profile
+            EXPECT_TRUE(Loaded(path) == profile + std::string(r.options ? 1 : 0, '\0'));
+            // exiftool takes none shorter than a header and lists every page's.
+            EXPECT_TRUE(profile.size() < 128 || Exiftool(path).substr(0, profile.size()) == profile);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace kt::test
