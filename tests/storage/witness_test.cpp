@@ -1,7 +1,8 @@
-// Profiles saved into files Debian's tools made, one table over the formats:
-// exiftool and the loader read the new profile back, the format's own
-// decoder (djpeg, dwebp, ImageMagick; tiffcmp for every page of a TIFF)
-// sees the same pixels, and the bytes land where each container puts them.
+// Files Debian's tools made, one table over the formats: the loader reads
+// the profile exiftool reads; after a save exiftool and the loader read the
+// new profile, the format's own decoder (djpeg, dwebp, ImageMagick; tiffcmp
+// for every page of a TIFF) sees the same pixels, and the bytes land where
+// each container puts them.
 #include <functional>
 #include <vector>
 
@@ -95,63 +96,87 @@ void TiffPages(const std::string& original, const std::string& path, const std::
     EXPECT_EQ(Run("tiffcmp '" + original + "' '" + path + "'"), 0);
 }
 
-TEST(Save, WitnessesReadTheProfileAndTheRestStays) {
-    const std::string jpegOld = "convert $G -profile " + kSrgb + " $O && exiftool -q -overwrite_original -Artist=k $O";
-    const std::string twoPages = "convert -size 24x16 gradient:red-blue -size 20x12 plasma:fractal -seed 3 ";
-    const std::string png = "convert $G -alpha set -channel A -evaluate set 50% a.png && cwebp -quiet ";
+const std::string kSmall = kBuiltinDir + "rgb_display.icc";  // 3 KB, RGB
+const std::string kTwo = kBuiltinDir + "cmy.icc";             // 65,656 bytes: two APP2 segments
+const std::string kLarge = kBuiltinDir + "cmyk_press.icc";    // 725,560 bytes
+const std::string kRgbMedium = "/usr/share/color/icc/colord/WideGamutRGB.icc";
+
+// Each file is made in a folder holding base.{png,jpg,tif,psd}, lossy.webp,
+// lossless.webp and alpha.png ($P the embedded profile, $O the file). The
+// loader reads what exiftool reads of it; then each profile is saved into
+// a fresh copy and read back by the witnesses.
+TEST_F(WithPngCodec, WitnessesReadWhatIsLoadedAndSaved) {
     const Vx_SaveFileOptions rules{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, VX_SAVE_WEBP_CONTAINER_RULES, nullptr};
     using Check = std::function<void(const std::string& before, const std::string& path, const std::string& profile)>;
-    auto jpeg = [](uint32_t segments) {
+    auto jpeg = [](uint32_t segments) -> Check {
         return [segments](auto& b, auto& p, auto& profile) { JpegBytes(b, ReadFile(p), profile, segments); };
     };
-    auto gif = [](auto& b, auto& p, auto& profile) { GifBytes(b, ReadFile(p), profile); };
-    auto webp = [](auto& b, auto& p, auto& profile) { WebpBytes(b, ReadFile(p), profile); };
-    auto container = [](uint8_t flags) {
+    const Check gif = [](auto& b, auto& p, auto& profile) { GifBytes(b, ReadFile(p), profile); };
+    const Check webp = [](auto& b, auto& p, auto& profile) { WebpBytes(b, ReadFile(p), profile); };
+    auto container = [](uint8_t flags) -> Check {
         return [flags](auto&, auto& p, auto& profile) { WebpContainerBytes(ReadFile(p), profile, flags); };
     };
-    auto tiff = [](auto& b, auto& p, auto& profile) {
+    const Check tiff = [](auto& b, auto& p, auto& profile) {
         WriteFile(p + ".before.tif", b);
         TiffPages(p + ".before.tif", p, profile);
     };
+    const std::string exif = "exiftool -q -q -o $O \"-icc_profile<=$P\" ", camera = " && exiftool -q -overwrite_original -Artist=k $O";
+    const std::string pages = "convert -size 24x16 gradient:red-blue -size 20x12 plasma:fractal -seed 3 ";
     const std::string itu = RealProfile("ITULab.icc"), srgb = RealProfile("sRGB.icc");  // 431,756 and 3,144 bytes
     const struct {
         const char* name;
-        std::string make;  // $G a gradient, $O the file
-        std::vector<std::string> profiles;
-        Check check;
+        const std::string* embedded;  // $P, or none
+        std::string make;
+        std::vector<std::string> profiles = {};
+        Check check = {};
         const Vx_SaveFileOptions* options = nullptr;
     } rows[] = {
-        // Profile sizes around the 65,519-byte piece.
-        {"one.jpg", jpegOld, {Pattern(1), Pattern(65519), srgb}, jpeg(1)},
-        {"two.jpg", jpegOld, {Pattern(65520), Pattern(131038)}, jpeg(2)},
-        {"three.jpg", jpegOld, {Pattern(131039)}, jpeg(3)},
-        {"seven.jpg", jpegOld, {itu}, jpeg(7)},
-        {"a.gif", "convert $G $O", {Pattern(600), Pattern(255), Pattern(0)}, gif},
+        // Profile sizes around the 65,519-byte JPEG piece.
+        {"small.jpg", &kSmall, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(1), Pattern(65519), srgb}, jpeg(1)},
+        {"two.jpg", &kTwo, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(65520), Pattern(131038)}, jpeg(2)},
+        {"large.jpg", &kLarge, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(131039)}, jpeg(3)},
+        {"exiftool.jpg", &kLarge, exif + "base.jpg" + camera, {itu}, jpeg(7)},
+        {"a.gif", nullptr, "convert base.png $O", {Pattern(600), Pattern(255), Pattern(0)}, gif},
         // Shorter, longer, same size, odd; an odd chunk without its pad
         // byte makes the readers lose step, so they are not asked.
-        {"lossy.webp", "cwebp -quiet a.png -o $O", {Pattern(3000), Pattern(7001)}, webp},
-        {"lossless.webp", "cwebp -quiet -lossless a.png -o $O", {Pattern(3000)}, webp},
-        {"icc.webp", "cwebp -quiet a.png -o t.webp && webpmux -set icc " + kSrgb + " t.webp -o $O",
-         {Pattern(3000), Pattern(3144, 2), Pattern(8000), Pattern(7001)}, webp},
-        {"rules.webp", png + "-q 80 -noalpha a.png -o $O", {Pattern(6921)}, container(0x20), &rules},
-        {"rules_lossless.webp", png + "-lossless a.png -o $O", {Pattern(6921)}, container(0x30), &rules},
-        {"rules_alpha.webp", png + "-q 80 a.png -o $O", {Pattern(6921)}, container(0x30), &rules},
-        {"le.tif", twoPages + "-endian LSB $O", {Pattern(4), srgb}, tiff},
-        {"be.tif", twoPages + "-endian MSB $O", {srgb}, tiff},
-        {"old.tif", twoPages + "-endian LSB -profile " + kSrgb + " $O", {itu}, tiff},
-        {"big_le.tif", twoPages + "-endian LSB -define tiff:rows-per-strip=3 TIFF64:$O", {srgb}, tiff},
-        {"big_be.tif", twoPages + "-endian MSB TIFF64:$O", {Pattern(4)}, tiff},
+        {"webpmux.webp", &kTwo, "webpmux -set icc $P lossy.webp -o $O", {Pattern(3000), Pattern(65656, 2), Pattern(7001)}, webp},
+        {"webpmux_lossless.webp", &kLarge, "webpmux -set icc $P lossless.webp -o $O", {Pattern(8000)}, webp},
+        {"plain.webp", nullptr, "cp lossy.webp $O", {Pattern(3000)}, webp},
+        {"cwebp.webp", &kTwo, "jpegtran -icc $P -outfile t.jpg base.jpg && cwebp -quiet -metadata icc t.jpg -o $O"},
+        {"rules.webp", nullptr, "cwebp -quiet -q 80 -noalpha alpha.png -o $O", {Pattern(6921)}, container(0x20), &rules},
+        {"rules_lossless.webp", nullptr, "cwebp -quiet -lossless alpha.png -o $O", {Pattern(6921)}, container(0x30), &rules},
+        {"rules_alpha.webp", nullptr, "cwebp -quiet -q 80 alpha.png -o $O", {Pattern(6921)}, container(0x30), &rules},
+        {"exiftool.tif", &kSmall, exif + "base.tif"},
+        {"le.tif", nullptr, pages + "-endian LSB $O", {Pattern(4), srgb}, tiff},
+        {"be.tif", &kTwo, pages + "-endian MSB $O && exiftool -q -q -overwrite_original \"-icc_profile<=$P\" $O", {srgb}, tiff},
+        {"old.tif", &kSrgb, pages + "-endian LSB -profile $P $O", {itu}, tiff},
+        {"big_le.tif", &kLarge, pages + "-profile $P -endian LSB -define tiff:rows-per-strip=3 TIFF64:$O", {srgb}, tiff},
+        {"big_be.tif", nullptr, pages + "-endian MSB TIFF64:$O", {Pattern(4)}, tiff},
+        {"bigtiff_tiffcp.tif", &kLarge, exif + "base.tif && tiffcp -8 -B $O t.tif && mv t.tif $O"},
+        // A CMYK profile in an RGB PNG: exiftool reads it, so the loader must.
+        {"exiftool.png", &kLarge, exif + "base.png"},
+        {"imagemagick.png", &kRgbMedium, "convert base.png -profile $P $O"},
+        {"exiftool.psd", &kLarge, exif + "base.psd"},
+        {"imagemagick.psd", &kSmall, "convert base.png -profile $P $O"},
     };
-    ScratchDir dir;
-    const std::string cd = "cd " + dir.path() + " && G='-size 30x20 gradient:red-blue' && ";
-    Sh(cd + "convert $G a.png");
+    const std::string cd = "cd " + dir_.path() + " && ";
+    Sh(cd + "convert -size 30x20 gradient:red-blue base.png && convert base.png base.jpg && convert base.png base.tif"
+            " && convert base.png base.psd && cwebp -quiet base.png -o lossy.webp"
+            " && cwebp -quiet -lossless base.png -o lossless.webp"
+            " && convert base.png -alpha set -channel A -evaluate set 50% alpha.png");
     for (const auto& r : rows) {
-        const std::string path = dir.File(r.name);
-        const std::string ext = path.substr(path.rfind('.') + 1);
-        Sh(cd + "O=" + r.name + " && " + r.make);
-        const std::string original = ReadFile(path), pixels = Pixels(path);
+        SCOPED_TRACE(r.name);
+        const std::string path = dir_.File(r.name), ext = path.substr(path.rfind('.') + 1);
+        Sh(cd + "P=" + (r.embedded ? *r.embedded : "") + " O=" + r.name + " && " + r.make);
+        if (r.embedded) {
+            const std::string embedded = ReadFile(*r.embedded);
+            ASSERT_TRUE(Exiftool(path).substr(0, embedded.size()) == embedded) << "the tool did not embed it whole";
+            EXPECT_TRUE(Loaded(path) == embedded);
+            EXPECT_EQ(Vx_HasICCProfile(Wide(path).c_str(), nullptr), 1);
+        }
+        const std::string original = ReadFile(path), pixels = r.profiles.empty() ? "" : Pixels(path);
         for (const std::string& profile : r.profiles) {
-            SCOPED_TRACE(std::string(r.name) + " " + std::to_string(profile.size()));
+            SCOPED_TRACE(profile.size());
             WriteFile(path, original);
             for (int saves = r.options ? 2 : 1; saves > 0; --saves)  // a second save replaces, never adds
                 ASSERT_EQ(Save(path, profile, r.options), STATUS_OK);
