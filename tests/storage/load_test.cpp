@@ -3,7 +3,6 @@
 // bytes, the PNG codec module present and absent.
 #include <sys/stat.h>
 
-#include <functional>
 
 #include "platform/error_report.h"
 #include "storage_support.h"
@@ -20,42 +19,38 @@ using Statuses = WithPngCodec;
 TEST_F(Statuses, ArgumentsInTheirOrder) {
     const std::u16string jpg = Wide(dir_.Write("p.jpg", Jpeg({IccPiece(1, 1, kProfile)}))),
                          missing = Wide(dir_.File("missing.jpg"));
-    ICCProfileRecord record{};
+    const char16_t *j = jpg.c_str(), *m = missing.c_str();
     uint8_t data[4] = {0, 0, 0, 4};
     const ICCProfileRecord good{32, 4, 0, nullptr, 0, nullptr, nullptr, data};
-    ICCProfileRecord small = good, nullData = good;
+    ICCProfileRecord small = good, nullData = good, record{};
     small.structSize = 28;
     nullData.profileData = nullptr;
-    auto load = [&](const char16_t* name, uint32_t size, Vx_LoadFileOptions options, bool withOptions = true) {
-        record.structSize = size;
-        const KtStatus s = Vx_LoadICCProfile(name, &record, withOptions ? &options : nullptr);
+    auto load = [&](const char16_t* name, uint32_t size, const Vx_LoadFileOptions* options = nullptr) {
+        record = ICCProfileRecord{size, 0, 0, nullptr, 0, nullptr, nullptr, nullptr};
+        const KtStatus s = Vx_LoadICCProfile(name, &record, options);
         Vx_FreeICCProfile(&record);
         return s;
     };
     const uint32_t kRecord = KTCLR_SIZEOF_ICC_PROFILE_RECORD, kOptions = KTCLR_SIZEOF_LOAD_FILE_OPTIONS;
+    const Vx_LoadFileOptions longer{kOptions + 4, 0}, flagged{kOptions, 1}, plain{kOptions, 0};
     const Vx_SaveFileOptions badSize{8, 0, nullptr}, badFlags{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, 2, nullptr};
-    const struct {
-        const char* what;
-        std::function<KtStatus()> call;
-        KtStatus status;
-    } rows[] = {
-        {"load: null name", [&] { return load(nullptr, kRecord, {}, false); }, ERR_INVALID_PARAMETER},
-        {"load: null record", [&] { return Vx_LoadICCProfile(jpg.c_str(), nullptr, nullptr); }, ERR_INVALID_PARAMETER},
-        {"load: record size 28", [&] { return load(jpg.c_str(), 28, {}, false); }, ERR_BAD_STRUCT_SIZE},
-        {"load: options size", [&] { return load(jpg.c_str(), kRecord, {kOptions + 4, 0}); }, ERR_BAD_STRUCT_SIZE},
-        {"load: options flag", [&] { return load(jpg.c_str(), kRecord, {kOptions, 1}); }, ERR_INVALID_PARAMETER},
-        {"load: with options", [&] { return load(jpg.c_str(), kRecord, {kOptions, 0}); }, STATUS_OK},
-        {"has: null name", [&] { return Vx_HasICCProfile(nullptr, nullptr); }, 0},
-        {"save: null name", [&] { return Vx_SaveICCProfile(nullptr, &good, nullptr); }, ERR_INVALID_PARAMETER},
-        {"save: null profile", [&] { return Vx_SaveICCProfile(missing.c_str(), nullptr, nullptr); }, ERR_INVALID_PARAMETER},
-        {"save: record size 28", [&] { return Vx_SaveICCProfile(missing.c_str(), &small, nullptr); }, ERR_BAD_STRUCT_SIZE},
-        {"save: options size 8", [&] { return Vx_SaveICCProfile(missing.c_str(), &good, &badSize); }, ERR_BAD_STRUCT_SIZE},
-        {"save: unknown flag", [&] { return Vx_SaveICCProfile(jpg.c_str(), &good, &badFlags); }, ERR_INVALID_PARAMETER},
-        {"save: size without data", [&] { return Vx_SaveICCProfile(missing.c_str(), &nullData, nullptr); },
-         ERR_INVALID_PARAMETER},
-        {"save: missing file", [&] { return Vx_SaveICCProfile(missing.c_str(), &good, nullptr); }, ERR_FILE_NOT_FOUND},
+    const KtStatus rows[][2] = {
+        {load(nullptr, kRecord), ERR_INVALID_PARAMETER},
+        {Vx_LoadICCProfile(j, nullptr, nullptr), ERR_INVALID_PARAMETER},
+        {load(j, 28), ERR_BAD_STRUCT_SIZE},
+        {load(j, kRecord, &longer), ERR_BAD_STRUCT_SIZE},
+        {load(j, kRecord, &flagged), ERR_INVALID_PARAMETER},
+        {load(j, kRecord, &plain), STATUS_OK},
+        {Vx_HasICCProfile(nullptr, nullptr), 0},
+        {Vx_SaveICCProfile(nullptr, &good, nullptr), ERR_INVALID_PARAMETER},
+        {Vx_SaveICCProfile(m, nullptr, nullptr), ERR_INVALID_PARAMETER},
+        {Vx_SaveICCProfile(m, &small, nullptr), ERR_BAD_STRUCT_SIZE},
+        {Vx_SaveICCProfile(m, &good, &badSize), ERR_BAD_STRUCT_SIZE},
+        {Vx_SaveICCProfile(j, &good, &badFlags), ERR_INVALID_PARAMETER},
+        {Vx_SaveICCProfile(m, &nullData, nullptr), ERR_INVALID_PARAMETER},
+        {Vx_SaveICCProfile(m, &good, nullptr), ERR_FILE_NOT_FOUND},
     };
-    for (const auto& r : rows) EXPECT_EQ(r.call(), r.status) << r.what;
+    for (const auto& r : rows) EXPECT_EQ(r[0], r[1]) << "row " << &r - rows;
 }
 
 // Files of every kind through the loader and the saver; a failing save
@@ -107,27 +102,27 @@ TEST_F(Statuses, FilesLoadedAndSaved) {
     }
 }
 
+// A record's earlier bytes stay the caller's: kept when the file holds no
+// profile, forgotten when the read fails or a profile comes.
 TEST_F(Statuses, EarlierBytesComeBackOnlyWhenNoProfileIsFound) {
     uint8_t earlier[4] = {1, 2, 3, 4};
-    ICCProfileRecord record{};
-    record.structSize = KTCLR_SIZEOF_ICC_PROFILE_RECORD;
-    record.profileData = earlier;
-    record.profileSize = sizeof earlier;
-    const std::u16string none = Wide(dir_.Write("none.jpg", Jpeg({})));
-    EXPECT_EQ(Vx_LoadICCProfile(none.c_str(), &record, nullptr), ERR_NO_ICC_PROFILE);
-    EXPECT_TRUE(record.profileData == earlier && record.profileSize == sizeof earlier);
-    const std::u16string broken = Wide(dir_.Write(
-        "broken.webp", Webp({Chunk("VP8 ", Counting(6, 1)), Cat({Text("ICCP"), Le32(999), Counting(20, 0)})})));
-    EXPECT_EQ(Vx_LoadICCProfile(broken.c_str(), &record, nullptr), ERR_CHUNK_TOO_LARGE);
-    EXPECT_TRUE(record.profileData == nullptr && record.profileSize == 0u);
-
-    record.profileData = earlier;
-    record.profileSize = sizeof earlier;
-    const std::u16string some = Wide(dir_.Write("some.jpg", Jpeg({IccPiece(1, 1, kProfile)})));
-    ASSERT_EQ(Vx_LoadICCProfile(some.c_str(), &record, nullptr), STATUS_OK);
-    EXPECT_NE(record.profileData, earlier);  // the earlier block stays the caller's
-    EXPECT_EQ(Bytes(record.profileData, record.profileData + record.profileSize), kProfile);
-    Vx_FreeICCProfile(&record);
+    const struct {
+        std::string file;
+        KtStatus status;
+        Bytes profile;
+    } rows[] = {
+        {dir_.Write("none.jpg", Jpeg({})), ERR_NO_ICC_PROFILE, {1, 2, 3, 4}},
+        {dir_.Write("broken.webp", Webp({Chunk("VP8 ", Counting(6, 1)), Cat({Text("ICCP"), Le32(999), Counting(20, 0)})})),
+         ERR_CHUNK_TOO_LARGE, {}},
+        {dir_.Write("some.jpg", Jpeg({IccPiece(1, 1, kProfile)})), STATUS_OK, kProfile},
+    };
+    for (const auto& r : rows) {
+        ICCProfileRecord record{KTCLR_SIZEOF_ICC_PROFILE_RECORD, sizeof earlier, 0, nullptr, 0, nullptr, nullptr, earlier};
+        EXPECT_EQ(Vx_LoadICCProfile(Wide(r.file).c_str(), &record, nullptr), r.status);
+        EXPECT_EQ(record.profileData == earlier, r.status == ERR_NO_ICC_PROFILE);
+        EXPECT_EQ(Bytes(record.profileData, record.profileData + record.profileSize), r.profile);
+        if (record.profileData != earlier) Vx_FreeICCProfile(&record);
+    }
 }
 
 TEST_F(Statuses, PngCodecModulePresentAndAbsent) {
