@@ -3,10 +3,8 @@
 // property checks that abort so libFuzzer keeps the input.
 #pragma once
 
-#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -48,8 +46,8 @@ struct ScratchFile {
         wide.assign(path.begin(), path.end());
     }
     void Write(const std::uint8_t* bytes, std::size_t n) const {
-        const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        Check(fd >= 0 && write(fd, bytes, n) == static_cast<ssize_t>(n) && close(fd) == 0, "scratch written");
+        std::ofstream f(path, std::ios::binary);
+        Check(f.write(reinterpret_cast<const char*>(bytes), std::streamsize(n)).flush().good(), "scratch written");
     }
     std::vector<std::uint8_t> Read() const {
         std::ifstream f(path, std::ios::binary);

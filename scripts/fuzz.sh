@@ -21,7 +21,7 @@ scratch=$(mktemp -d "$( [ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp
 trap 'rm -rf "$scratch"' EXIT
 for t in $targets; do
   case $t in
-    profile_*) seeds=profile dict=icc ;;
+    profile_bytes) seeds=profile dict=icc ;;
     tag_element) seeds=$t dict=icc ;;
     grid_file) seeds=$t dict=grid ;;
     image_file) seeds=$t dict=image ;;
