@@ -1,6 +1,6 @@
 // Narrow strings in the locale's encoding and their UTF-16 forms: the
-// compiler's own u"" literals are the reference. (A field without its
-// terminator and the C locale's "?": tests/convert/narrow_params_test.cpp.)
+// compiler's own u"" literals are the reference. (The parameter fields'
+// conversions both ways: tests/convert/narrow_params_test.cpp.)
 #include "platform/narrow_text.h"
 
 #include <gtest/gtest.h>
@@ -55,8 +55,11 @@ TEST(NarrowText, BothWays) {
     }
 }
 
-TEST(NarrowText, Nulls) {
+TEST(NarrowText, UnterminatedAndNulls) {
+    ScopedLocale locale("C.UTF-8");
     char16_t out[kCap] = {u'x'};
+    const char field[4] = {'a', 'b', 'c', 'd'};  // no terminator within its bytes
+    EXPECT_EQ(NarrowToWide(field, sizeof field, out, kCap), ERR_BUFFER_TOO_SMALL);
     EXPECT_EQ(NarrowToWide(nullptr, 4, out, kCap), ERR_INVALID_PARAMETER);
     EXPECT_EQ(out[0], 0);
     EXPECT_EQ(NarrowToWide("a", 2, nullptr, kCap), ERR_INVALID_PARAMETER);

@@ -35,8 +35,7 @@ int Splice(const std::string& path, std::size_t at, const std::string& insert, c
 }
 
 // The content replaced, the permissions kept, a backup when asked, a link
-// followed to its target; a refusal leaves the folder as it was (missing
-// files and folders: tests/storage, through the saver).
+// followed to its target; a refusal leaves the folder as it was.
 TEST(SafeReplace, ReplacesOrRefusesLeavingNothingElse) {
     const struct {
         std::size_t size, at;
@@ -48,6 +47,8 @@ TEST(SafeReplace, ReplacesOrRefusesLeavingNothingElse) {
         {10, 3, 0600, "image.bin", "image.bak", STATUS_OK},
         {3 << 20, 1 << 20, 0755, "image.bin", "image.bak", STATUS_OK},
         {10, 2, 0644, "link.bin", nullptr, STATUS_OK},
+        {10, 0, 0644, "missing.bin", nullptr, ERR_FILE_READ},
+        {10, 0, 0644, ".", nullptr, ERR_FILE_READ},  // a folder
         {10, 0, 0444, "image.bin", nullptr, ERR_FILE_CREATE},
         {10, 0, 0644, "image.bin", "image.bin", ERR_INVALID_PARAMETER},  // backup onto itself
         {10, 0, 0644, "image.bin", "no/such/folder", ERR_FILE_CREATE},
