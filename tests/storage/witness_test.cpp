@@ -142,6 +142,7 @@ TEST_F(WithPngCodec, WitnessesReadWhatIsLoadedAndSaved) {
         {"webpmux.webp", &kTwo, "webpmux -set icc $P lossy.webp -o $O", {Pattern(3000), Pattern(65656, 2), Pattern(7001)}, webp},
         {"webpmux_lossless.webp", &kLarge, "webpmux -set icc $P lossless.webp -o $O", {Pattern(8000)}, webp},
         {"plain.webp", nullptr, "cp lossy.webp $O", {Pattern(3000)}, webp},
+        {"odd.webp", nullptr, "head -c 3001 " + kSrgb + " >odd.icc && webpmux -set icc odd.icc lossy.webp -o $O", {Pattern(3000)}, webp},
         {"cwebp.webp", &kTwo, "jpegtran -icc $P -outfile t.jpg base.jpg && cwebp -quiet -metadata icc t.jpg -o $O"},
         {"rules.webp", nullptr, "cwebp -quiet -q 80 -noalpha alpha.png -o $O", {Pattern(6921)}, container(0x20), &rules},
         {"rules_lossless.webp", nullptr, "cwebp -quiet -lossless alpha.png -o $O", {Pattern(6921)}, container(0x30), &rules},
