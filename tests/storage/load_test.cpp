@@ -129,7 +129,7 @@ TEST_F(Statuses, PngCodecModulePresentAndAbsent) {
     const std::string png = dir_.File("with.png"), plain = dir_.File("plain.png");
     Sh("convert -size 8x8 xc:red " + plain + " && exiftool -q -q -o " + png + " '-icc_profile<=" + kBuiltinDir +
        "rgb_display.icc' " + plain);
-    EXPECT_EQ(Load(png).bytes, ReadAll(kBuiltinDir + "rgb_display.icc"));
+    EXPECT_EQ(Load(png).bytes, Text(ReadFile(kBuiltinDir + "rgb_display.icc")));
     EXPECT_EQ(Load(plain).status, ERR_NO_ICC_PROFILE);
     storage::testing::ResetPngCodec(dir_.path().c_str());  // no module there
     EXPECT_EQ(Load(png).status, ERR_CODEC_FUNCTION_MISSING);

@@ -20,10 +20,6 @@ namespace kt::test {
 
 using Bytes = std::vector<uint8_t>;
 
-inline Bytes ReadAll(const std::string& path) {
-    const std::string s = ReadFile(path);
-    return Bytes(s.begin(), s.end());
-}
 inline void WriteAll(const std::string& path, const Bytes& b) { WriteFile(path, std::string(b.begin(), b.end())); }
 inline Bytes Text(const std::string& s) { return Bytes(s.begin(), s.end()); }
 
