@@ -117,6 +117,7 @@ TEST(Bitmap, CreateAndRows) {
     b.bytesPerLine = 8;
     Vx_BmpFree(&b);
     EXPECT_TRUE(b.data == nullptr && b.flags == 0u && Vx_BmpAccessBegin(&b) == ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_BmpFree(&b), STATUS_OK);  // an empty bitmap frees nothing
 }
 
 }  // namespace
