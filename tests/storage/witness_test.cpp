@@ -3,7 +3,6 @@
 // new profile, the format's own decoder (djpeg, dwebp, ImageMagick; tiffcmp
 // for every page of a TIFF) sees the same pixels, and the bytes land where
 // each container puts them.
-#include <functional>
 #include <vector>
 
 #include "storage_support.h"
@@ -15,6 +14,10 @@ uint32_t Le32At(const std::string& s, std::size_t at) {
     return uint8_t(s[at]) | uint8_t(s[at + 1]) << 8 | uint8_t(s[at + 2]) << 16 | uint32_t(uint8_t(s[at + 3])) << 24;
 }
 std::string Le32s(uint32_t v) { return std::string{char(v), char(v >> 8), char(v >> 16), char(v >> 24)}; }
+
+// Each check sees the file before the save, the saved file's path, the
+// profile saved and the row's argument.
+using Check = void (*)(const std::string& before, const std::string& path, const std::string& profile, int arg);
 
 // A JPEG's segments up to the scan (from the 0xFF), the ICC ones apart, the
 // codes of all in order (0 for an ICC one) and the rest from the scan on.
@@ -40,15 +43,15 @@ Layout Parse(const std::string& f) {
 // The profile replaces the old one right after JFIF and Exif, in segments of
 // 65,533 bytes after the length field and a shorter last one, numbered; all
 // else byte for byte.
-void JpegBytes(const std::string& before, const std::string& after, const std::string& profile, uint32_t segments) {
-    const Layout b = Parse(before), a = Parse(after);
+void JpegBytes(const std::string& before, const std::string& path, const std::string& profile, int segments) {
+    const Layout b = Parse(before), a = Parse(ReadFile(path));
     EXPECT_TRUE(a.other == b.other && a.scan == b.scan);
-    ASSERT_EQ(a.icc.size(), segments);
+    ASSERT_EQ(a.icc.size(), std::size_t(segments));
     EXPECT_EQ(std::vector<int>(a.codes.begin(), a.codes.begin() + 2), (std::vector<int>{0xE0, 0xE1}));
     std::string joined;
-    for (std::size_t i = 0; i < segments; ++i) {
+    for (std::size_t i = 0; i < a.icc.size(); ++i) {
         EXPECT_TRUE(a.codes[2 + i] == 0 && uint8_t(a.icc[i][16]) == i + 1 && uint8_t(a.icc[i][17]) == segments);
-        EXPECT_TRUE(i + 1 == segments || a.icc[i].size() == 65537) << i;
+        EXPECT_TRUE(i + 1 == a.icc.size() || a.icc[i].size() == 65537) << i;
         joined += a.icc[i].substr(18);
     }
     EXPECT_TRUE(joined == profile);
@@ -56,17 +59,17 @@ void JpegBytes(const std::string& before, const std::string& after, const std::s
 
 // The extension takes the trailer's place: head, 255-byte sub-blocks, the
 // rest, terminator, trailer.
-void GifBytes(const std::string& before, const std::string& after, const std::string& profile) {
+void GifBytes(const std::string& before, const std::string& path, const std::string& profile, int) {
     std::string blocks;
     for (std::size_t at = 0; at < profile.size(); at += 255)
         blocks += char(std::min<std::size_t>(255, profile.size() - at)) + profile.substr(at, 255);
-    EXPECT_TRUE(after == before.substr(0, before.size() - 1) + std::string("!\xff\x0bICCRGBG1\0\1\2", 14) + blocks +
+    EXPECT_TRUE(ReadFile(path) == before.substr(0, before.size() - 1) + std::string("!\xff\x0bICCRGBG1\0\1\2", 14) + blocks +
                              std::string("\0;", 2));
 }
 
 // The ICCP chunk replaced in place or appended (no pad byte), the RIFF size
 // following.
-void WebpBytes(const std::string& before, const std::string& after, const std::string& profile) {
+void WebpBytes(const std::string& before, const std::string& path, const std::string& profile, int) {
     const std::size_t at = before.find("ICCP");
     const std::string chunk = "ICCP" + Le32s(uint32_t(profile.size())) + profile;
     std::string expected = before + chunk;
@@ -75,12 +78,13 @@ void WebpBytes(const std::string& before, const std::string& after, const std::s
         expected = before.substr(0, at) + chunk + before.substr(at + 8 + old + (old & 1));
     }
     expected.replace(4, 4, Le32s(uint32_t(expected.size() - 8)));
-    EXPECT_TRUE(after == expected);
+    EXPECT_TRUE(ReadFile(path) == expected);
 }
 
 // With the container rules VP8X leads with its ICC bit (and ALPH's when the
 // image has one), ICCP follows it padded, and a second save replaces it.
-void WebpContainerBytes(const std::string& after, const std::string& profile, uint8_t flags) {
+void WebpContainerBytes(const std::string&, const std::string& path, const std::string& profile, int flags) {
+    const std::string after = ReadFile(path);
     EXPECT_EQ(after.substr(12, 8), std::string("VP8X\x0a\0\0\0", 8));
     EXPECT_EQ(uint8_t(after[20]), flags);
     EXPECT_TRUE(after.substr(30, 8 + profile.size() + 1) == "ICCP" + Le32s(uint32_t(profile.size())) + profile + '\0');
@@ -90,10 +94,11 @@ void WebpContainerBytes(const std::string& after, const std::string& profile, ui
 
 // Two pages in each byte order, classic and BigTIFF: libtiff's tools see
 // the new profile and both pages unchanged.
-void TiffPages(const std::string& original, const std::string& path, const std::string& profile) {
+void TiffPages(const std::string& before, const std::string& path, const std::string& profile, int) {
+    WriteFile(path + ".before.tif", before);
     const std::string info = ShOut("tiffinfo '" + path + "' 2>&1");
     EXPECT_NE(info.find("ICC Profile: <present>, " + std::to_string(profile.size()) + " bytes"), std::string::npos);
-    EXPECT_EQ(Run("tiffcmp '" + original + "' '" + path + "'"), 0);
+    EXPECT_EQ(Run("tiffcmp '" + path + ".before.tif' '" + path + "'"), 0);
 }
 
 const std::string kSmall = kBuiltinDir + "rgb_display.icc";  // 3 KB, RGB
@@ -107,19 +112,7 @@ const std::string kRgbMedium = "/usr/share/color/icc/colord/WideGamutRGB.icc";
 // a fresh copy and read back by the witnesses.
 TEST_F(WithPngCodec, WitnessesReadWhatIsLoadedAndSaved) {
     const Vx_SaveFileOptions rules{KTCLR_SIZEOF_SAVE_FILE_OPTIONS, VX_SAVE_WEBP_CONTAINER_RULES, nullptr};
-    using Check = std::function<void(const std::string& before, const std::string& path, const std::string& profile)>;
-    auto jpeg = [](uint32_t segments) -> Check {
-        return [segments](auto& b, auto& p, auto& profile) { JpegBytes(b, ReadFile(p), profile, segments); };
-    };
-    const Check gif = [](auto& b, auto& p, auto& profile) { GifBytes(b, ReadFile(p), profile); };
-    const Check webp = [](auto& b, auto& p, auto& profile) { WebpBytes(b, ReadFile(p), profile); };
-    auto container = [](uint8_t flags) -> Check {
-        return [flags](auto&, auto& p, auto& profile) { WebpContainerBytes(ReadFile(p), profile, flags); };
-    };
-    const Check tiff = [](auto& b, auto& p, auto& profile) {
-        WriteFile(p + ".before.tif", b);
-        TiffPages(p + ".before.tif", p, profile);
-    };
+    const Check jpeg = JpegBytes, gif = GifBytes, webp = WebpBytes, container = WebpContainerBytes, tiff = TiffPages;
     const std::string exif = "exiftool -q -q -o $O \"-icc_profile<=$P\" ", camera = " && exiftool -q -overwrite_original -Artist=k $O";
     const std::string pages = "convert -size 24x16 gradient:red-blue -size 20x12 plasma:fractal -seed 3 ";
     const std::string itu = RealProfile("ITULab.icc"), srgb = RealProfile("sRGB.icc");  // 431,756 and 3,144 bytes
@@ -128,14 +121,15 @@ TEST_F(WithPngCodec, WitnessesReadWhatIsLoadedAndSaved) {
         const std::string* embedded;  // $P, or none
         std::string make;
         std::vector<std::string> profiles = {};
-        Check check = {};
+        Check check = nullptr;
+        int arg = 0;  // the check's: APP2 segments, or VP8X flags
         const Vx_SaveFileOptions* options = nullptr;
     } rows[] = {
         // Profile sizes around the 65,519-byte JPEG piece.
-        {"small.jpg", &kSmall, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(1), Pattern(65519), srgb}, jpeg(1)},
-        {"two.jpg", &kTwo, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(65520), Pattern(131038)}, jpeg(2)},
-        {"large.jpg", &kLarge, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(131039)}, jpeg(3)},
-        {"exiftool.jpg", &kLarge, exif + "base.jpg" + camera, {itu}, jpeg(7)},
+        {"small.jpg", &kSmall, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(1), Pattern(65519), srgb}, jpeg, 1},
+        {"two.jpg", &kTwo, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(65520), Pattern(131038)}, jpeg, 2},
+        {"large.jpg", &kLarge, "jpegtran -icc $P -outfile $O base.jpg" + camera, {Pattern(131039)}, jpeg, 3},
+        {"exiftool.jpg", &kLarge, exif + "base.jpg" + camera, {itu}, jpeg, 7},
         {"a.gif", nullptr, "convert base.png $O", {Pattern(600), Pattern(255), Pattern(0)}, gif},
         // Shorter, longer, same size, odd; an odd chunk without its pad
         // byte makes the readers lose step, so they are not asked.
@@ -144,9 +138,9 @@ TEST_F(WithPngCodec, WitnessesReadWhatIsLoadedAndSaved) {
         {"plain.webp", nullptr, "cp lossy.webp $O", {Pattern(3000)}, webp},
         {"odd.webp", nullptr, "head -c 3001 " + kSrgb + " >odd.icc && webpmux -set icc odd.icc lossy.webp -o $O", {Pattern(3000)}, webp},
         {"cwebp.webp", &kTwo, "jpegtran -icc $P -outfile t.jpg base.jpg && cwebp -quiet -metadata icc t.jpg -o $O"},
-        {"rules.webp", nullptr, "cwebp -quiet -q 80 -noalpha alpha.png -o $O", {Pattern(6921)}, container(0x20), &rules},
-        {"rules_lossless.webp", nullptr, "cwebp -quiet -lossless alpha.png -o $O", {Pattern(6921)}, container(0x30), &rules},
-        {"rules_alpha.webp", nullptr, "cwebp -quiet -q 80 alpha.png -o $O", {Pattern(6921)}, container(0x30), &rules},
+        {"rules.webp", nullptr, "cwebp -quiet -q 80 -noalpha alpha.png -o $O", {Pattern(6921)}, container, 0x20, &rules},
+        {"rules_lossless.webp", nullptr, "cwebp -quiet -lossless alpha.png -o $O", {Pattern(6921)}, container, 0x30, &rules},
+        {"rules_alpha.webp", nullptr, "cwebp -quiet -q 80 alpha.png -o $O", {Pattern(6921)}, container, 0x30, &rules},
         {"exiftool.tif", &kSmall, exif + "base.tif"},
         {"le.tif", nullptr, pages + "-endian LSB $O", {Pattern(4), srgb}, tiff},
         {"be.tif", &kTwo, pages + "-endian MSB $O && exiftool -q -q -overwrite_original \"-icc_profile<=$P\" $O", {srgb}, tiff},
@@ -181,7 +175,7 @@ TEST_F(WithPngCodec, WitnessesReadWhatIsLoadedAndSaved) {
             WriteFile(path, original);
             for (int saves = r.options ? 2 : 1; saves > 0; --saves)  // a second save replaces, never adds
                 ASSERT_EQ(Save(path, profile, r.options), STATUS_OK);
-            r.check(original, path, profile);
+            r.check(original, path, profile, r.arg);
             if (ext == "webp" && !r.options && profile.size() % 2) continue;
             EXPECT_TRUE(Pixels(path) == pixels);
             if (ext == "gif") continue;  // neither reader takes a GIF's profile
