@@ -1,6 +1,6 @@
 // The statuses of Vx_LoadICCProfile, Vx_HasICCProfile and Vx_SaveICCProfile:
-// argument checks in their order, every kind of file, the record's earlier
-// bytes, the PNG codec module present and absent.
+// argument checks in their order, every kind of file, the PNG codec module
+// present and absent. (A record's earlier bytes: tests/storage/load_handmade_test.cpp.)
 #include <sys/stat.h>
 
 
@@ -21,10 +21,9 @@ TEST_F(Statuses, ArgumentsInTheirOrder) {
                          missing = Wide(dir_.File("missing.jpg"));
     const char16_t *j = jpg.c_str(), *m = missing.c_str();
     uint8_t data[4] = {0, 0, 0, 4};
-    const ICCProfileRecord good{32, 4, 0, nullptr, 0, nullptr, nullptr, data};
-    ICCProfileRecord small = good, nullData = good, record{};
-    small.structSize = 28;
-    nullData.profileData = nullptr;
+    const ICCProfileRecord good{32, 4, 0, nullptr, 0, nullptr, nullptr, data}, small{28, 4, 0, nullptr, 0, nullptr, nullptr, data},
+        nullData{32, 4, 0, nullptr, 0, nullptr, nullptr, nullptr};
+    ICCProfileRecord record{};
     auto load = [&](const char16_t* name, uint32_t size, const Vx_LoadFileOptions* options = nullptr) {
         record = ICCProfileRecord{size, 0, 0, nullptr, 0, nullptr, nullptr, nullptr};
         const KtStatus s = Vx_LoadICCProfile(name, &record, options);
@@ -96,29 +95,6 @@ TEST_F(Statuses, FilesLoadedAndSaved) {
         EXPECT_EQ(Save(f.path, kProfileString), f.save);
         EXPECT_TRUE((f.save == STATUS_OK && f.reported == STATUS_OK) || ReadFile(f.path) == before);
         EXPECT_EQ(report::Last(), f.reported);
-    }
-}
-
-// A record's earlier bytes stay the caller's: kept when the file holds no
-// profile, forgotten when the read fails or a profile comes.
-TEST_F(Statuses, EarlierBytesComeBackOnlyWhenNoProfileIsFound) {
-    uint8_t earlier[4] = {1, 2, 3, 4};
-    const struct {
-        std::string file;
-        KtStatus status;
-        Bytes profile;
-    } rows[] = {
-        {dir_.Write("none.jpg", Jpeg({})), ERR_NO_ICC_PROFILE, {1, 2, 3, 4}},
-        {dir_.Write("broken.webp", Webp({Chunk("VP8 ", Counting(6, 1)), Cat({Text("ICCP"), Le32(999), Counting(20, 0)})})),
-         ERR_CHUNK_TOO_LARGE, {}},
-        {dir_.Write("some.jpg", Jpeg({IccPiece(1, 1, kProfile)})), STATUS_OK, kProfile},
-    };
-    for (const auto& r : rows) {
-        ICCProfileRecord record{KTCLR_SIZEOF_ICC_PROFILE_RECORD, sizeof earlier, 0, nullptr, 0, nullptr, nullptr, earlier};
-        EXPECT_EQ(Vx_LoadICCProfile(Wide(r.file).c_str(), &record, nullptr), r.status);
-        EXPECT_EQ(record.profileData == earlier, r.status == ERR_NO_ICC_PROFILE);
-        EXPECT_EQ(Bytes(record.profileData, record.profileData + record.profileSize), r.profile);
-        if (record.profileData != earlier) Vx_FreeICCProfile(&record);
     }
 }
 
