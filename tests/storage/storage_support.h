@@ -145,18 +145,38 @@ inline const std::string kBuiltinDir = std::string(KTCLR_TEST_SOURCE_DIR) + "/da
 inline const std::string kSrgb = "/usr/share/color/icc/sRGB.icc";
 
 // A profile file of Debian's colour packages.
-std::string RealProfile(const char* name);
+inline std::string RealProfile(const char* name) {
+    std::string bytes = ReadFile(std::string("/usr/share/color/icc/") + name);
+    EXPECT_FALSE(bytes.empty()) << name << " missing (scripts/install-deps.sh --tests)";
+    return bytes;
+}
 
-// Runs a shell command and expects success.
-void Sh(const std::string& command);
-std::string ShOut(const std::string& command);
+// Runs a shell command and expects success (quietly), or its output.
+inline void Sh(const std::string& command) { ASSERT_EQ(Run(command + " >/dev/null 2>&1"), 0) << command; }
+inline std::string ShOut(const std::string& command) {
+    std::string out;
+    EXPECT_EQ(Run(command, &out), 0) << command;
+    return out;
+}
 
-KtStatus Save(const std::string& path, const std::string& profile, const Vx_SaveFileOptions* options = nullptr);
+inline KtStatus Save(const std::string& path, const std::string& profile, const Vx_SaveFileOptions* options = nullptr) {
+    const ICCProfileRecord record{KTCLR_SIZEOF_ICC_PROFILE_RECORD, static_cast<uint32_t>(profile.size()), 0, nullptr, 0,
+                                  nullptr, nullptr, reinterpret_cast<uint8_t*>(const_cast<char*>(profile.data()))};
+    return Vx_SaveICCProfile(Wide(path).c_str(), &record, options);
+}
 // Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's (every
 // page's, the first page's first).
-std::string Loaded(const std::string& path);
-std::string Exiftool(const std::string& path);
+inline std::string Loaded(const std::string& path) {
+    const Bytes bytes = Load(path).bytes;
+    return std::string(bytes.begin(), bytes.end());
+}
+inline std::string Exiftool(const std::string& path) { return ShOut("exiftool -a -icc_profile -b '" + path + "'"); }
 // The pixels as the format's own library decodes them (PPM/PAM text).
-std::string Pixels(const std::string& path);
+inline std::string Pixels(const std::string& path) {
+    const std::string ext = path.substr(path.rfind('.') + 1), q = "'" + path + "'";
+    if (ext == "jpg") return ShOut("djpeg -pnm " + q);
+    if (ext == "webp") return ShOut("dwebp -quiet -pam -o - " + q);
+    return ShOut("convert " + q + " -strip ppm:-");  // ImageMagick: its own GIF reader, libtiff for TIFF
+}
 
 }  // namespace kt::test
