@@ -18,9 +18,8 @@ using test::Wide;
 using test::WriteFile;
 
 std::string Pattern(std::size_t size) {
-    std::string s(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) s[i] = static_cast<char>((i * 131u + i / 251u) & 0xFF);
-    return s;
+    const test::Bytes b = test::Random(size, 1);
+    return {b.begin(), b.end()};
 }
 
 // Inserts `insert` after the first `at` bytes of the file, through a temporary.
