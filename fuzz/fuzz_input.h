@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -49,10 +48,6 @@ struct ScratchFile {
         std::ofstream f(path, std::ios::binary);
         Check(f.write(reinterpret_cast<const char*>(bytes), std::streamsize(n)).flush().good(), "scratch written");
     }
-    std::vector<std::uint8_t> Read() const {
-        std::ifstream f(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
-    }
     const KtChar16* name() const { return reinterpret_cast<const KtChar16*>(wide.c_str()); }
 };
 
@@ -62,15 +57,5 @@ struct Profile {
     ~Profile() { Vx_FreeICCProfile(&r); }
     std::vector<std::uint8_t> Image() const { return {r.profileData, r.profileData + (r.profileData ? r.profileSize : 0)}; }
 };
-
-// Reads every tag through the typed calls, releasing each decoded record.
-inline void ReadEveryTag(ICCProfileRecord* r) {
-    for (std::int32_t i = 0; i < r->tagCount && r->tagList; ++i) {
-        alignas(16) std::uint8_t typed[512] = {};
-        const std::uint32_t sig = r->tagList[i].signature;
-        Vx_GetICCTagData(r, typed, sig);
-        Vx_FreeICCTagType(typed, Vx_GetICCTagTypeSig(r, sig));
-    }
-}
 
 }  // namespace fuzz

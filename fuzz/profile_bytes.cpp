@@ -6,7 +6,12 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Profile p;
     if (Vx_FillICCProfileStructure(&p.r, data, static_cast<std::uint32_t>(size)) != STATUS_OK) return 0;
-    fuzz::ReadEveryTag(&p.r);
+    for (std::int32_t i = 0; i < p.r.tagCount && p.r.tagList; ++i) {  // every tag through the typed calls
+        alignas(16) std::uint8_t typed[512] = {};
+        const std::uint32_t sig = p.r.tagList[i].signature;
+        Vx_GetICCTagData(&p.r, typed, sig);
+        Vx_FreeICCTagType(typed, Vx_GetICCTagTypeSig(&p.r, sig));
+    }
     if (Vx_GenerateICCPointer(&p.r) != STATUS_OK) return 0;
     const std::vector<std::uint8_t> image = p.Image();
     {
