@@ -22,6 +22,7 @@ using Bytes = std::vector<uint8_t>;
 
 inline void WriteAll(const std::string& path, const Bytes& b) { WriteFile(path, std::string(b.begin(), b.end())); }
 inline Bytes Text(const std::string& s) { return Bytes(s.begin(), s.end()); }
+inline std::string Str(const Bytes& b) { return std::string(b.begin(), b.end()); }
 
 struct LoadResult {
     KtStatus status;
@@ -62,10 +63,7 @@ inline Bytes Profile(uint32_t n, unsigned seed) {
     }
     return b;
 }
-inline std::string Pattern(std::size_t n, unsigned seed = 1) {
-    const Bytes b = Profile(uint32_t(n), seed);
-    return std::string(b.begin(), b.end());
-}
+inline std::string Pattern(std::size_t n, unsigned seed = 1) { return Str(Profile(uint32_t(n), seed)); }
 
 // JPEG: SOI, the segments, a scan, EOI.
 inline Bytes Segment(uint8_t code, const Bytes& body) {
@@ -166,10 +164,7 @@ inline KtStatus Save(const std::string& path, const std::string& profile, const 
 }
 // Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's (every
 // page's, the first page's first).
-inline std::string Loaded(const std::string& path) {
-    const Bytes bytes = Load(path).bytes;
-    return std::string(bytes.begin(), bytes.end());
-}
+inline std::string Loaded(const std::string& path) { return Str(Load(path).bytes); }
 inline std::string Exiftool(const std::string& path) { return ShOut("exiftool -a -icc_profile -b '" + path + "'"); }
 // The pixels as the format's own library decodes them (PPM/PAM text).
 inline std::string Pixels(const std::string& path) {

@@ -13,7 +13,6 @@ namespace {
 uint32_t Le32At(const std::string& s, std::size_t at) {
     return uint8_t(s[at]) | uint8_t(s[at + 1]) << 8 | uint8_t(s[at + 2]) << 16 | uint32_t(uint8_t(s[at + 3])) << 24;
 }
-std::string Le32s(uint32_t v) { return std::string{char(v), char(v >> 8), char(v >> 16), char(v >> 24)}; }
 
 // Each check sees the file before the save, the saved file's path, the
 // profile saved and the row's argument.
@@ -71,13 +70,13 @@ void GifBytes(const std::string& before, const std::string& path, const std::str
 // following.
 void WebpBytes(const std::string& before, const std::string& path, const std::string& profile, int) {
     const std::size_t at = before.find("ICCP");
-    const std::string chunk = "ICCP" + Le32s(uint32_t(profile.size())) + profile;
+    const std::string chunk = "ICCP" + Str(Le32(uint32_t(profile.size()))) + profile;
     std::string expected = before + chunk;
     if (at != std::string::npos) {
         const uint32_t old = Le32At(before, at + 4);
         expected = before.substr(0, at) + chunk + before.substr(at + 8 + old + (old & 1));
     }
-    expected.replace(4, 4, Le32s(uint32_t(expected.size() - 8)));
+    expected.replace(4, 4, Str(Le32(uint32_t(expected.size() - 8))));
     EXPECT_TRUE(ReadFile(path) == expected);
 }
 
@@ -87,7 +86,7 @@ void WebpContainerBytes(const std::string&, const std::string& path, const std::
     const std::string after = ReadFile(path);
     EXPECT_EQ(after.substr(12, 8), std::string("VP8X\x0a\0\0\0", 8));
     EXPECT_EQ(uint8_t(after[20]), flags);
-    EXPECT_TRUE(after.substr(30, 8 + profile.size() + 1) == "ICCP" + Le32s(uint32_t(profile.size())) + profile + '\0');
+    EXPECT_TRUE(after.substr(30, 8 + profile.size() + 1) == "ICCP" + Str(Le32(uint32_t(profile.size()))) + profile + '\0');
     EXPECT_EQ(Le32At(after, 4), after.size() - 8);
     EXPECT_EQ(after.find("ICCP", 38), std::string::npos);
 }
