@@ -29,7 +29,7 @@ void WriteSparse(const std::string& path, const Bytes& head, int64_t at, const B
 TEST(LargeFiles, OnlyHeadsAreRead) {
     ScratchDir dir;
     const Bytes profile = Profile(3000, 7);
-    int64_t read[2][3] = {};
+    int64_t read[3] = {};  // bytes read for each file of 1 MB
     for (const int big : {0, 1}) {
         const int64_t end = 64 + (int64_t{big ? 100 : 1} << 20);  // where the tails start
         const struct {
@@ -51,14 +51,13 @@ TEST(LargeFiles, OnlyHeadsAreRead) {
             WriteSparse(path, files[i].head, end, files[i].tail);
             const int64_t before = BytesRead();
             const auto loaded = Load(path);
-            read[big][i] = BytesRead() - before;
+            const int64_t n = BytesRead() - before;
+            // The count's own text grows by a few digits from 1 MB to 100 MB.
+            EXPECT_LT(n, big ? read[i] + 1024 : 64 * 1024);
+            read[i] = n;
             EXPECT_EQ(loaded.status, STATUS_OK);
             EXPECT_EQ(loaded.bytes, profile);
         }
-    }
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_LT(read[0][i], 64 * 1024) << i;
-        EXPECT_LT(read[1][i], read[0][i] + 1024) << i;  // the count's own text grows by a few digits
     }
 }
 
