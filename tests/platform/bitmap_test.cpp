@@ -48,21 +48,17 @@ TEST(Bitmap, FillFromDib) {
         KtStatus status;
         Bytes pixels = {};  // the filled bitmap's rows, when given
     } rows[] = {
-        {Header(2, -2), bits, STATUS_OK, top},
-        {Header(2, 2), bits, STATUS_OK, bottom},
+        {Header(2, -2), bits, STATUS_OK, top},          {Header(2, 2), bits, STATUS_OK, bottom},
         {Header(2, 2), nullptr, ERR_INVALID_PARAMETER},
         {With([](auto& h) { h.size = 39; }), bits, ERR_BAD_STRUCT_SIZE},
         {With([](auto& h) { h.planes = 2; }), bits, ERR_INVALID_PARAMETER},
         {With([](auto& h) { h.compression = 1; }), bits, ERR_INVALID_PARAMETER},
         {With([](auto& h) { h.colorsUsed = 1; }), bits, ERR_INVALID_PARAMETER},
         {Header(2, 2, 8), bits, ERR_INVALID_PARAMETER},
-        {Header(0, 2), bits, ERR_BAD_SIZE},
-        {Header(2, 0), bits, ERR_BAD_SIZE},
+        {Header(0, 2), bits, ERR_BAD_SIZE},            {Header(2, 0), bits, ERR_BAD_SIZE},
         // Rows 8 bytes apart, the last without its padding: 14 bytes.
-        {Header(2, 2, 24, 13), bits, ERR_BAD_SIZE},
-        {Header(2, 2, 24, 14), bits, STATUS_OK},
-        {Header(2, 2), pages.end() - 14, STATUS_OK},
-        {Header(2, 2), pages.end() - 13, ERR_BAD_POINTER},
+        {Header(2, 2, 24, 13), bits, ERR_BAD_SIZE},    {Header(2, 2, 24, 14), bits, STATUS_OK},
+        {Header(2, 2), pages.end() - 14, STATUS_OK}, {Header(2, 2), pages.end() - 13, ERR_BAD_POINTER},
     };
     for (const auto& r : rows) {
         EXPECT_EQ(Vx_BmpFillFromDib(&b, kSize, &r.header, r.bits), r.status) << &r - rows;

@@ -56,7 +56,7 @@ TEST(Probe, PagesAndEdges) {
 // More than one batch of pages; the write probe keeps the contents and
 // leaves no signal handler behind.
 TEST(Probe, LargeBufferKeepsContentsAndHandlers) {
-    struct sigaction before {};
+    struct sigaction before {}, after {};
     sigaction(SIGSEGV, nullptr, &before);
     MappedPages m(4096 + 17, Access::readWrite);
     for (std::size_t i = 0; i < m.size(); ++i) m.data()[i] = static_cast<unsigned char>(i * 7);
@@ -66,7 +66,6 @@ TEST(Probe, LargeBufferKeepsContentsAndHandlers) {
     m.Protect(4096 + 3, Access::read);
     EXPECT_FALSE(IsBadReadPtr(m.data(), m.size()));
     EXPECT_TRUE(IsBadWritePtr(m.data(), m.size()));
-    struct sigaction after {};
     sigaction(SIGSEGV, nullptr, &after);
     EXPECT_EQ(before.sa_handler, after.sa_handler);
 }

@@ -42,11 +42,9 @@ TEST(SafeReplace, ReplacesOrRefusesLeavingNothingElse) {
         const char *name, *backup;  // file name given, backup name
         KtStatus status;
     } cases[] = {
-        {0, 0, 0644, "image.bin", nullptr, STATUS_OK},
-        {10, 3, 0600, "image.bin", "image.bak", STATUS_OK},
+        {0, 0, 0644, "image.bin", nullptr, STATUS_OK},     {10, 3, 0600, "image.bin", "image.bak", STATUS_OK},
         {3 << 20, 1 << 20, 0755, "image.bin", "image.bak", STATUS_OK},
-        {10, 2, 0644, "link.bin", nullptr, STATUS_OK},
-        {10, 0, 0644, "missing.bin", nullptr, ERR_FILE_READ},
+        {10, 2, 0644, "link.bin", nullptr, STATUS_OK},     {10, 0, 0644, "missing.bin", nullptr, ERR_FILE_READ},
         {10, 0, 0644, ".", nullptr, ERR_FILE_READ},  // a folder
         {10, 0, 0444, "image.bin", nullptr, ERR_FILE_CREATE},
         {10, 0, 0644, "image.bin", "image.bin", ERR_INVALID_PARAMETER},  // backup onto itself
