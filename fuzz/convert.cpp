@@ -42,18 +42,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!(how & 2)) out = dst.emplace(Extent(kBits[d], width, height, dstPad, shortBy & 2)).at;
     for (std::uint8_t* p = src.at; p < src.pages.end(); ++p) *p = in.size ? in.data[(p - src.at) % in.size] : 0;
 
-    BitmapHandle bitmap{};
-    Vx_BmpInit(&bitmap, KTCLR_SIZEOF_BITMAP_HANDLE);
-    const bool toBitmap = options & 4;  // into a 24-bit bitmap instead of `out`
-    if (how & 1) {
-        if (toBitmap)
-            Vx_ClrConvertDirectToBitmap(kSpaces[s], kSpaces[d], src.at, &bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, width,
-                                        height, srcPad, dstPad);
-        else
-            Vx_ClrConvertDirect(kSpaces[s], kSpaces[d], src.at, out, width, height, srcPad, dstPad);
-        Vx_BmpFree(&bitmap);
-        return 0;
-    }
     ConversionParams params{};
     params.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
     params.method = params.prepareMethods = method;
@@ -63,18 +51,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (int i = 0; i < 6; ++i) lab.ranges[i] = std::int32_t(value) - 32768 + i * std::int32_t(options);
     IccOptions icc{{value, value >> 4, value >> 8, options, 0}};
     if (options & 1) params.cmykOptions = &cmyk, params.labOptions = &lab, params.iccOptions = &icc;
+    BitmapHandle bitmap{};
+    Vx_BmpInit(&bitmap, KTCLR_SIZEOF_BITMAP_HANDLE);
+    const bool toBitmap = options & 4;  // into a 24-bit bitmap instead of `out`
+    constexpr std::uint32_t kBitmap = KTCLR_SIZEOF_BITMAP_HANDLE;
     ClrHandle* handle = nullptr;
-    if (Vx_ClrInit(&handle, kSpaces[s], kSpaces[d], &params) != STATUS_OK) return 0;
-    if (options & 2) {  // then changed: method, ICC options, CMYK, YUV (quirk: gated on cmykOptions), Lab
-        params.prepareMethods = (options >> 2) & 0x75;
-        params.method = kMethods[value % std::size(kMethods)];
-        Vx_ClrSetConversionParams(handle, &params);
+    if (how & 1) {  // no handle
+        toBitmap ? Vx_ClrConvertDirectToBitmap(kSpaces[s], kSpaces[d], src.at, &bitmap, kBitmap, width, height, srcPad, dstPad)
+                 : Vx_ClrConvertDirect(kSpaces[s], kSpaces[d], src.at, out, width, height, srcPad, dstPad);
+    } else if (Vx_ClrInit(&handle, kSpaces[s], kSpaces[d], &params) == STATUS_OK) {
+        if (options & 2) {  // then changed: method, ICC options, CMYK, YUV (quirk: gated on cmykOptions), Lab
+            params.prepareMethods = (options >> 2) & 0x75;
+            params.method = kMethods[value % std::size(kMethods)];
+            Vx_ClrSetConversionParams(handle, &params);
+        }
+        toBitmap ? Vx_ClrConvertToBitmap(handle, src.at, &bitmap, kBitmap, width, height, srcPad, dstPad)
+                 : Vx_ClrConvert(handle, src.at, out, width, height, srcPad, dstPad);
+        Vx_ClrFree(handle);
     }
-    if (toBitmap)
-        Vx_ClrConvertToBitmap(handle, src.at, &bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, width, height, srcPad, dstPad);
-    else
-        Vx_ClrConvert(handle, src.at, out, width, height, srcPad, dstPad);
     Vx_BmpFree(&bitmap);
-    Vx_ClrFree(handle);
     return 0;
 }

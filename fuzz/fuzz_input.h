@@ -3,13 +3,12 @@
 // property checks that abort so libFuzzer keeps the input.
 #pragma once
 
-#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -46,15 +45,8 @@ struct ScratchFile {
         wide.assign(path.begin(), path.end());
     }
     void Write(const std::uint8_t* bytes, std::size_t n) const {
-        const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        Check(fd >= 0 && write(fd, bytes, n) == static_cast<ssize_t>(n) && close(fd) == 0, "scratch written");
-    }
-    std::vector<std::uint8_t> Read() const {
-        std::vector<std::uint8_t> bytes;
-        FILE* f = fopen(path.c_str(), "rb");
-        for (int c; f && (c = fgetc(f)) != EOF;) bytes.push_back(static_cast<std::uint8_t>(c));
-        if (f) fclose(f);
-        return bytes;
+        std::ofstream f(path, std::ios::binary);
+        Check(f.write(reinterpret_cast<const char*>(bytes), std::streamsize(n)).flush().good(), "scratch written");
     }
     const KtChar16* name() const { return reinterpret_cast<const KtChar16*>(wide.c_str()); }
 };
@@ -65,15 +57,5 @@ struct Profile {
     ~Profile() { Vx_FreeICCProfile(&r); }
     std::vector<std::uint8_t> Image() const { return {r.profileData, r.profileData + (r.profileData ? r.profileSize : 0)}; }
 };
-
-// Reads every tag through the typed calls, releasing each decoded record.
-inline void ReadEveryTag(ICCProfileRecord* r) {
-    for (std::int32_t i = 0; i < r->tagCount && r->tagList; ++i) {
-        alignas(16) std::uint8_t typed[512] = {};
-        const std::uint32_t sig = r->tagList[i].signature;
-        Vx_GetICCTagData(r, typed, sig);
-        Vx_FreeICCTagType(typed, Vx_GetICCTagTypeSig(r, sig));
-    }
-}
 
 }  // namespace fuzz

@@ -9,7 +9,7 @@ set -eu
 cd "$(dirname "$0")/.."
 seconds=${1:-20}
 [ $# -gt 0 ] && shift
-targets=${*:-profile_bytes profile_round_trip tag_element grid_file image_file convert}
+targets=${*:-profile_bytes tag_element grid_file image_file convert}
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKTCLR_BUILD_FUZZ=ON \
   -DKTCLR_BUILD_TESTS=OFF -DKTCLR_BUILD_EXAMPLES=OFF -DKTCLR_BUILD_TOOL=OFF -DKTCLR_BUILD_DIALOG=OFF >/dev/null
 # shellcheck disable=SC2046
@@ -21,7 +21,7 @@ scratch=$(mktemp -d "$( [ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp
 trap 'rm -rf "$scratch"' EXIT
 for t in $targets; do
   case $t in
-    profile_*) seeds=profile dict=icc ;;
+    profile_bytes) seeds=profile dict=icc ;;
     tag_element) seeds=$t dict=icc ;;
     grid_file) seeds=$t dict=grid ;;
     image_file) seeds=$t dict=image ;;

@@ -76,9 +76,13 @@ KTCLR_API KtStatus Vx_HasICCProfile(const KtChar16* fileName, const Vx_LoadFileO
  * bytes after the JFIF/Exif segments, earlier ones replaced), TIFF and
  * BigTIFF (tag 34675, type 7, in the first directory), GIF (an "ICCRGBG1"
  * application extension with authentication bytes 0, 1, 2 in place of the
- * trailer) or WebP ("ICCP" chunk replaced or appended, no pad byte; with
- * VX_SAVE_WEBP_CONTAINER_RULES right after a VP8X chunk with its ICC bit,
- * padded). Everything else in the file stays byte for byte. The new file is
+ * trailer) or WebP ("ICCP" chunk replaced, or else written right after the
+ * last chunk, no pad byte; with VX_SAVE_WEBP_CONTAINER_RULES right after a
+ * VP8X chunk with its ICC bit, padded). Everything else in the file stays
+ * byte for byte, except that a WebP chunk written after the last chunk
+ * (no "ICCP" chunk before, no VX_SAVE_WEBP_CONTAINER_RULES) overwrites
+ * whatever bytes followed there, data past the RIFF end included, as far as
+ * the new chunk reaches; bytes beyond it stay. The new file is
  * built in a temporary beside the original and renamed over it only when
  * complete: after any failure the original is unchanged. saveOptions may be
  * null. Returns STATUS_OK, or, checked in this order:

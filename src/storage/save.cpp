@@ -51,7 +51,7 @@ KtStatus Save(const char16_t* fileName, const ICCProfileRecord* profile, const V
                  options ? options->backupFileName : nullptr);
     // The GIF and WebP writers answer no status of their own: a failure is
     // recorded as the thread's last reported error and the call answers
-    // STATUS_OK, the file untouched (LoadStatus.FilesLoadedAndSaved).
+    // STATUS_OK, the file untouched (Statuses.FilesLoadedAndSaved).
     if (status != STATUS_OK && (writer == Writer::gif || writer == Writer::webp)) {
         report::Error(status);
         return STATUS_OK;

@@ -13,18 +13,16 @@
 #include <zlib.h>
 
 #include "ktclr/storage.h"
+#include "storage/png_codec.h"
 #include "support/support.h"
 
 namespace kt::test {
 
 using Bytes = std::vector<uint8_t>;
 
-inline Bytes ReadAll(const std::string& path) {
-    const std::string s = ReadFile(path);
-    return Bytes(s.begin(), s.end());
-}
 inline void WriteAll(const std::string& path, const Bytes& b) { WriteFile(path, std::string(b.begin(), b.end())); }
 inline Bytes Text(const std::string& s) { return Bytes(s.begin(), s.end()); }
+inline std::string Str(const Bytes& b) { return std::string(b.begin(), b.end()); }
 
 struct LoadResult {
     KtStatus status;
@@ -65,10 +63,7 @@ inline Bytes Profile(uint32_t n, unsigned seed) {
     }
     return b;
 }
-inline std::string Pattern(std::size_t n, unsigned seed = 1) {
-    const Bytes b = Profile(uint32_t(n), seed);
-    return std::string(b.begin(), b.end());
-}
+inline std::string Pattern(std::size_t n, unsigned seed = 1) { return Str(Profile(uint32_t(n), seed)); }
 
 // JPEG: SOI, the segments, a scan, EOI.
 inline Bytes Segment(uint8_t code, const Bytes& body) {
@@ -134,18 +129,49 @@ inline Bytes Tiff(uint32_t count, const Bytes& valueField, const Bytes& tail = {
     return Cat({Text("II"), Le16(42), Le32(ifd), Le16(1), Le16(34675), Le16(7), Le32(count), valueField, Le32(0), tail});
 }
 
+// A test with the PNG codec module of the build tree (the test binary is not
+// beside the module folder).
+class WithPngCodec : public ::testing::Test {
+protected:
+    void SetUp() override { storage::testing::ResetPngCodec(KTCLR_TEST_MODULE_DIR); }
+    void TearDown() override { storage::testing::ResetPngCodec(nullptr); }
+    ScratchDir dir_;
+};
+
+// The built-in profiles' folder in the source tree.
+inline const std::string kBuiltinDir = std::string(KTCLR_TEST_SOURCE_DIR) + "/data/builtin/";
+inline const std::string kSrgb = "/usr/share/color/icc/sRGB.icc";
+
 // A profile file of Debian's colour packages.
-std::string RealProfile(const char* name);
+inline std::string RealProfile(const char* name) {
+    std::string bytes = ReadFile(std::string("/usr/share/color/icc/") + name);
+    EXPECT_FALSE(bytes.empty()) << name << " missing (scripts/install-deps.sh --tests)";
+    return bytes;
+}
 
-// Runs a shell command and expects success.
-void Sh(const std::string& command);
-std::string ShOut(const std::string& command);
+// Runs a shell command and expects success (quietly), or its output.
+inline void Sh(const std::string& command) { ASSERT_EQ(Run(command + " >/dev/null 2>&1"), 0) << command; }
+inline std::string ShOut(const std::string& command) {
+    std::string out;
+    EXPECT_EQ(Run(command, &out), 0) << command;
+    return out;
+}
 
-KtStatus Save(const std::string& path, const std::string& profile, const Vx_SaveFileOptions* options = nullptr);
-// Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's.
-std::string Loaded(const std::string& path);
-std::string Exiftool(const std::string& path);
+inline KtStatus Save(const std::string& path, const std::string& profile, const Vx_SaveFileOptions* options = nullptr) {
+    const ICCProfileRecord record{KTCLR_SIZEOF_ICC_PROFILE_RECORD, static_cast<uint32_t>(profile.size()), 0, nullptr, 0,
+                                  nullptr, nullptr, reinterpret_cast<uint8_t*>(const_cast<char*>(profile.data()))};
+    return Vx_SaveICCProfile(Wide(path).c_str(), &record, options);
+}
+// Vx_LoadICCProfile's bytes ("" when it finds none) and exiftool's (every
+// page's, the first page's first).
+inline std::string Loaded(const std::string& path) { return Str(Load(path).bytes); }
+inline std::string Exiftool(const std::string& path) { return ShOut("exiftool -a -icc_profile -b '" + path + "'"); }
 // The pixels as the format's own library decodes them (PPM/PAM text).
-std::string Pixels(const std::string& path);
+inline std::string Pixels(const std::string& path) {
+    const std::string ext = path.substr(path.rfind('.') + 1), q = "'" + path + "'";
+    if (ext == "jpg") return ShOut("djpeg -pnm " + q);
+    if (ext == "webp") return ShOut("dwebp -quiet -pam -o - " + q);
+    return ShOut("convert " + q + " -strip ppm:-");  // ImageMagick: its own GIF reader, libtiff for TIFF
+}
 
 }  // namespace kt::test
