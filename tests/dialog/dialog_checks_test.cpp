@@ -12,32 +12,39 @@
 namespace kt::test {
 namespace {
 
-TEST(DialogChecks, OtherKindsAnswerOkAtOnceWhateverTheRecord) {
-    DialogRecord r;
-    r.p.cmykOptions = nullptr;
-    const auto before = r.Bytes();
-    for (int kind : {0, 3, -1, 128}) {
-        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), STATUS_OK) << kind;
-        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(8)), STATUS_OK) << kind;
-        EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, nullptr), STATUS_OK) << kind;
-    }
-    EXPECT_EQ(r.Bytes(), before);
-}
-
-TEST(DialogChecks, RecordChecksAnswerInvalidParameter) {
+// Other kinds answer STATUS_OK at once whatever the record; for the CMYK and
+// CIELab dialogs the record checks answer ERR_INVALID_PARAMETER, then a
+// good record or none KTCLR_DLG_UNAVAILABLE (no display). No answer changes
+// the record.
+TEST(DialogChecks, RecordChecksThenNoDisplay) {
+    ASSERT_EQ(std::getenv("DISPLAY"), nullptr) << "run without a display";
     MappedPages readOnly(1, MappedPages::Access::read);
     MappedPages tail(1, MappedPages::Access::readWrite);
     void* const unusable[] = {nullptr, readOnly.data(), tail.end() - 8};  // none, read-only, past the end
-    for (int c = 0; c < 8; ++c) {
+    for (int c = 0; c < 9; ++c) {
         DialogRecord r;
         if (c < 2) r.p.structSize = c ? 1625 : 0;
         if (c >= 2 && c < 5) r.p.cmykOptions = static_cast<CmykOptions*>(unusable[c - 2]);
-        if (c >= 5) r.p.iccOptions = static_cast<IccOptions*>(unusable[c - 5]);
+        if (c >= 5 && c < 8) r.p.iccOptions = static_cast<IccOptions*>(unusable[c - 5]);
         const auto before = r.Bytes();
         for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
-            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), ERR_INVALID_PARAMETER) << c;
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), c < 8 ? ERR_INVALID_PARAMETER : KTCLR_DLG_UNAVAILABLE) << c;
+        for (int kind : {0, 3, -1, 128}) {
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), STATUS_OK) << kind;
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(8)), STATUS_OK) << kind;
+            EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, nullptr), STATUS_OK) << kind;
+        }
         EXPECT_EQ(r.Bytes(), before) << c;
     }
+    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), KTCLR_DLG_UNAVAILABLE);
+    DialogRecord r;
+    ConversionParamsA a{};
+    a.cmykOptions = &r.cmyk;
+    a.iccOptions = &r.icc;
+    std::strcpy(a.srcProfilePath, "/narrow.icm");
+    EXPECT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &a), KTCLR_DLG_UNAVAILABLE);
+    EXPECT_STREQ(a.srcProfilePath, "/narrow.icm");
 }
 
 // The record's extent follows its size field: a short-form record may end
@@ -59,43 +66,22 @@ TEST(DialogChecks, RecordExtentFollowsItsSizeField) {
               ERR_INVALID_PARAMETER);
 }
 
-TEST(DialogChecks, WithoutDisplayTheDialogIsUnavailableAndNothingChanges) {
-    ASSERT_EQ(std::getenv("DISPLAY"), nullptr) << "run without a display";
-    DialogRecord r;
-    const auto before = r.Bytes();
-    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
-        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), KTCLR_DLG_UNAVAILABLE);
-        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), KTCLR_DLG_UNAVAILABLE);
-    }
-    EXPECT_EQ(r.Bytes(), before);
-    ConversionParamsA a{};
-    a.cmykOptions = &r.cmyk;
-    a.iccOptions = &r.icc;
-    std::strcpy(a.srcProfilePath, "/narrow.icm");
-    EXPECT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &a), KTCLR_DLG_UNAVAILABLE);
-    EXPECT_STREQ(a.srcProfilePath, "/narrow.icm");
-}
-
-// A copy of the library in a folder without ktclr-modules finds no module.
+// A copy of the library in a folder without ktclr-modules finds no module;
+// SetResModule keeps and returns its argument.
 TEST(DialogChecks, WithoutTheModuleTheDialogIsUnavailable) {
     namespace fs = std::filesystem;
     const fs::path dir = fs::temp_directory_path() / ("ktclr-no-module-" + std::to_string(getpid()));
     fs::create_directories(dir);
-    const fs::path copy = dir / "libktclr.so";
-    fs::copy_file(fs::canonical(KTCLR_LIBRARY), copy, fs::copy_options::overwrite_existing);
-    void* lib = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
+    fs::copy_file(fs::canonical(KTCLR_LIBRARY), dir / "libktclr.so", fs::copy_options::overwrite_existing);
+    void* lib = dlopen((dir / "libktclr.so").c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(lib, nullptr) << dlerror();
-    auto dlg = reinterpret_cast<decltype(&Vx_ClrDlg)>(dlsym(lib, "Vx_ClrDlg"));
-    ASSERT_NE(dlg, nullptr);
     DialogRecord r;
     const auto before = r.Bytes();
-    EXPECT_EQ(dlg(KTCLR_DLG_LAB, nullptr, nullptr, &r.p), KTCLR_DLG_UNAVAILABLE);
+    EXPECT_EQ(reinterpret_cast<decltype(&Vx_ClrDlg)>(dlsym(lib, "Vx_ClrDlg"))(KTCLR_DLG_LAB, nullptr, nullptr, &r.p),
+              KTCLR_DLG_UNAVAILABLE);
     EXPECT_EQ(r.Bytes(), before);
     dlclose(lib);
     fs::remove_all(dir);
-}
-
-TEST(DialogChecks, SetResModuleKeepsAndReturnsItsArgument) {
     int anything = 0;
     EXPECT_EQ(SetResModule(&anything), &anything);
     EXPECT_EQ(SetResModule(nullptr), nullptr);

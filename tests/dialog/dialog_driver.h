@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
-#include <algorithm>
 #include <deque>
 #include <functional>
 #include <sstream>
@@ -123,32 +122,6 @@ inline std::string Enabled(GtkWidget* dialog, const std::string& ids) {
     return Each(ids, [dialog](const std::string& id) {
         return gtk_widget_is_sensitive(Find(dialog, id.c_str())) ? id : std::string();
     });
-}
-
-// Every label of the window (frame titles, control labels with their
-// mnemonics, button texts) in byte order, '|' between them.
-inline std::string Texts(GtkWidget* dialog) {
-    std::vector<std::string> texts;
-    Walk(dialog, [&](GtkWidget* w) {
-        if (GTK_IS_LABEL(w)) texts.emplace_back(gtk_label_get_label(GTK_LABEL(w)));
-    });
-    std::sort(texts.begin(), texts.end());
-    std::string all;
-    for (const std::string& t : texts) all.append(all.empty() ? "" : "|").append(t);
-    return all;
-}
-
-// The items of a list, '|' between them.
-inline std::string Items(GtkWidget* dialog, const char* id) {
-    GtkTreeModel* model = gtk_combo_box_get_model(GTK_COMBO_BOX(Find(dialog, id)));
-    std::string items;
-    GtkTreeIter it;
-    for (gboolean ok = gtk_tree_model_get_iter_first(model, &it); ok; ok = gtk_tree_model_iter_next(model, &it)) {
-        g_autofree gchar* text = nullptr;
-        gtk_tree_model_get(model, &it, 0, &text, -1);
-        items.append(items.empty() ? "" : "|").append(text ? text : "");
-    }
-    return items;
 }
 
 inline void Press(GtkWidget* dialog, const char* id) { gtk_button_clicked(GTK_BUTTON(Find(dialog, id))); }

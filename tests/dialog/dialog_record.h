@@ -4,7 +4,6 @@
 
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include <glib.h>
 
@@ -50,12 +49,10 @@ struct DialogRecord {
         return s;
     }
 
-    std::vector<unsigned char> Bytes() const {
-        std::vector<unsigned char> b(sizeof p + sizeof cmyk + sizeof icc);
-        std::memcpy(b.data(), &p, sizeof p);
-        std::memcpy(b.data() + sizeof p, &cmyk, sizeof cmyk);
-        std::memcpy(b.data() + sizeof p + sizeof cmyk, &icc, sizeof icc);
-        return b;
+    std::string Bytes() const {
+        return std::string(reinterpret_cast<const char*>(&p), sizeof p) +
+               std::string(reinterpret_cast<const char*>(&cmyk), sizeof cmyk) +
+               std::string(reinterpret_cast<const char*>(&icc), sizeof icc);
     }
 };
 
