@@ -112,7 +112,7 @@ int ListSpaces() {
     printf("%-8s %4s %5s  %s\n", "space", "id", "bits", "bytes of a pixel");
     for (int i = 0; i < count; ++i) printf("%-8s %4d %5d  %s\n", all[i].name, all[i].id, all[i].bits, all[i].layout);
     printf("\nmethods and the pairs they convert:\n");
-    for (Method m : {Method::Builtin, Method::Icc, Method::CustomIcc, Method::Emulation, Method::CustomEmulation}) {
+    for (Method m : kMethods) {
         std::string pairs;
         int served = 0;
         for (int a = 0; a < count; ++a)
