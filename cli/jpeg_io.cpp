@@ -26,10 +26,12 @@ void OnError(j_common_ptr cinfo) {
     longjmp(e->jump, 1);
 }
 
-void InitErrors(ErrorManager* e) {
+// libjpeg's errors jump back to the caller's setjmp; its warnings are quiet.
+jpeg_error_mgr* InitErrors(ErrorManager* e) {
     jpeg_std_error(&e->base);
     e->base.error_exit = OnError;
     e->base.output_message = [](j_common_ptr) {};
+    return &e->base;
 }
 
 class JpegReader : public Reader {
@@ -37,10 +39,9 @@ public:
     void Open(const std::string& path) {
         file_ = fopen(path.c_str(), "rb");
         if (!file_) throw Failure("cannot open the file");
-        InitErrors(&err_);
-        cinfo_.err = &err_.base;
-        jpeg_create_decompress(&cinfo_);
+        cinfo_.err = InitErrors(&err_);
         if (setjmp(err_.jump)) throw Failure(std::string("not a readable JPEG: ") + err_.message);
+        jpeg_create_decompress(&cinfo_);
         jpeg_stdio_src(&cinfo_, file_);
         jpeg_read_header(&cinfo_, TRUE);
         const bool four = cinfo_.num_components == 4;
@@ -79,10 +80,9 @@ public:
     void Open(const WriteSpec& spec, int fd) {
         file_ = fdopen(dup(fd), "wb");
         if (!file_) throw Failure("cannot open the output");
-        InitErrors(&err_);
-        cinfo_.err = &err_.base;
-        jpeg_create_compress(&cinfo_);
+        cinfo_.err = InitErrors(&err_);
         if (setjmp(err_.jump)) throw Failure(std::string("JPEG writing failed: ") + err_.message);
+        jpeg_create_compress(&cinfo_);
         jpeg_stdio_dest(&cinfo_, file_);
         cinfo_.image_width = static_cast<JDIMENSION>(spec.width);
         cinfo_.image_height = static_cast<JDIMENSION>(spec.height);
