@@ -6,8 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "dialog_record.h"
-#include "support/support.h"
+#include "dialog_driver.h"
 
 namespace kt::test {
 namespace {

@@ -8,7 +8,6 @@
 #include <tuple>
 
 #include "dialog_driver.h"
-#include "dialog_record.h"
 
 namespace kt::test {
 namespace {
@@ -70,6 +69,7 @@ TEST(DialogShown, CancelEscapeAndClosingChangeNothing) {
         EXPECT_EQ(r.Bytes(), before);
     }
 }
+
 // Without a record the dialog opens on its defaults (ids=values); then the
 // controls each method (and white point, and CIELab table) enables; OK
 // writes nothing.
@@ -118,11 +118,7 @@ bool Chosen(GtkFileChooser* files) {
 // Each browse button opens a file chooser with its title and filter; the
 // file chosen there lands in the button's edit.
 TEST(DialogShown, BrowseButtonsOpenTheirFileChoosers) {
-    struct Case {
-        int kind;
-        const char *button, *edit, *title, *filter;
-    };
-    const Case cases[] = {
+    const std::tuple<int, const char*, const char*, const char*, const char*> cases[] = {  // kind, button, edit, title, filter
         {1, "118", "117", "Open CMYK Profile", "ICC Files (*.ICM)"},
         {1, "120", "119", "Open RGB Profile", "ICC Files (*.ICM)"},
         {1, "122", "121", "Open destination RGB image", "TIFF Files (*.TIF)"},
@@ -134,21 +130,21 @@ TEST(DialogShown, BrowseButtonsOpenTheirFileChoosers) {
     const std::filesystem::path file =
         std::filesystem::temp_directory_path() / ("ktclr-dialog-" + std::to_string(getpid()) + ".icm");
     std::ofstream(file) << "x";
-    for (const Case& c : cases) {
+    for (const auto& [kind, button, edit, title, filter] : cases) {
         Script({[&](GtkWidget* d) {
-                    Press(d, c.button);
-                    EXPECT_EQ(Values(d, c.edit), file.string()) << c.button;
+                    Press(d, button);
+                    EXPECT_EQ(Values(d, edit), file.string()) << button;
                     Press(d, "2");
                 },
                 [&](GtkWidget* chooser) {
                     auto* files = GTK_FILE_CHOOSER(chooser);
-                    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), c.title);
-                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), c.filter);
+                    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), title);
+                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), filter);
                     gtk_file_chooser_select_filename(files, file.c_str());
                     for (int i = 0; i < 200 && !Chosen(files); ++i) Pump(10);  // the folder loads in the background
                     gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
                 }});
-        EXPECT_EQ(Vx_ClrDlg(c.kind, nullptr, nullptr, nullptr), 0) << c.button;
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), 0) << button;
     }
     std::filesystem::remove(file);
 }
