@@ -2,6 +2,7 @@
 // and intent, embedded profiles read by exiftool, and the profile commands.
 #include <cstdlib>
 #include <string>
+#include <tuple>
 
 #include "tool_runner.h"
 
@@ -17,12 +18,7 @@ constexpr char kAdobe[] = "/usr/share/color/icc/compatibleWithAdobeRGB1998.icc";
 TEST_F(IccTest, SameAsTificc) {
     Ok("$KTCLR profile builtin rgb rgb.icc && $KTCLR profile builtin cmyk cmyk.icc");
     Ok("$KTCLR convert \"$CHART\" --to rgb -o chart.tif");
-    struct Row {
-        std::string ours;    // convert arguments after the input
-        std::string tificc;  // tificc arguments before the input
-        const char* input;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, std::string, const char*> rows[] = {  // our arguments, tificc's, the input
         {"--to cmyk", "-i rgb.icc -o cmyk.icc -t 0", "chart.tif"},
         {"--to cmyk --intent relative", "-i rgb.icc -o cmyk.icc -t 1", "chart.tif"},
         {"--to cmyk --intent saturation", "-i rgb.icc -o cmyk.icc -t 2", "chart.tif"},
@@ -32,10 +28,10 @@ TEST_F(IccTest, SameAsTificc) {
          "-i cmyk.icc -o " + std::string(kAdobe) + " -t 1", "ref-cmyk.tif"},
     };
     Ok("tificc -i rgb.icc -o cmyk.icc -t 0 chart.tif ref-cmyk.tif 2>/dev/null");
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.ours);
-        Ok("$KTCLR convert " + std::string(r.input) + " " + r.ours + " -o ours.tif");
-        Ok("tificc " + r.tificc + " " + r.input + " theirs.tif 2>/dev/null");
+    for (const auto& [ours, tificc, input] : rows) {
+        SCOPED_TRACE(ours);
+        Ok("$KTCLR convert " + std::string(input) + " " + ours + " -o ours.tif");
+        Ok("tificc " + tificc + " " + input + " theirs.tif 2>/dev/null");
         const Outcome diff = Sh("compare -metric AE ours.tif theirs.tif null:");
         EXPECT_EQ(diff.err, "0") << "pixels that differ";
     }

@@ -12,7 +12,6 @@
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
-#include <vector>
 
 namespace ktcli::test {
 
@@ -26,13 +25,6 @@ inline std::string Slurp(const std::filesystem::path& p) {
     std::ostringstream s;
     s << f.rdbuf();
     return s.str();
-}
-
-inline std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream s(text);
-    for (std::string l; std::getline(s, l);) lines.push_back(l);
-    return lines;
 }
 
 // Expects each of the '|'-separated parts of `wanted` in `text`.
