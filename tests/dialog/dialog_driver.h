@@ -178,10 +178,9 @@ struct DialogRecord {
         double x, y;
         std::memcpy(&x, &icc.values[1], sizeof x);
         std::memcpy(&y, &icc.values[3], sizeof y);
-        std::string s;
-        for (const auto v : {p.method, icc.values[0]}) s += std::to_string(v) + " ";
-        s += std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(cmyk.value) + " " +
-             std::to_string(cmyk.validMask);
+        g_autofree gchar* head =
+            g_strdup_printf("%u %u %f %f %u %u", p.method, icc.values[0], x, y, cmyk.value, cmyk.validMask);
+        std::string s = head;
         for (const KtChar16* path : {p.srcProfilePath, p.dstProfilePath, p.emulationTablePath}) {
             g_autofree gchar* utf8 = g_utf16_to_utf8(reinterpret_cast<const gunichar2*>(path), -1, nullptr, nullptr, nullptr);
             s += std::string(" ") + (utf8 ? utf8 : "?");

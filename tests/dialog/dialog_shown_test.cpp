@@ -154,7 +154,6 @@ TEST(DialogShown, NarrowTwinCopiesTheChoicesBack) {
     ConversionParamsA a{};
     a.cmykOptions = &r.cmyk;
     a.iccOptions = &r.icc;
-    a.emulationMethod = 8;
     std::strcpy(a.emulationTablePath, "/narrow/grid.tif");
     Script({[](GtkWidget* d) {
         EXPECT_EQ(Values(d, "121"), "/narrow/grid.tif");
@@ -165,7 +164,6 @@ TEST(DialogShown, NarrowTwinCopiesTheChoicesBack) {
     EXPECT_EQ(a.method, unsigned(METHOD_BUILTIN_EMULATION));
     EXPECT_STREQ(a.dstProfilePath, "/narrow/rgb.icm");
     EXPECT_STREQ(a.emulationTablePath, "/narrow/grid.tif");
-    EXPECT_EQ(a.emulationMethod, 8u);
 }
 
 }  // namespace
