@@ -20,13 +20,6 @@ struct Outcome {
     std::string out, err;
 };
 
-inline std::string Slurp(const std::filesystem::path& p) {
-    std::ifstream f(p, std::ios::binary);
-    std::ostringstream s;
-    s << f.rdbuf();
-    return s.str();
-}
-
 // Expects each of the '|'-separated parts of `wanted` in `text`.
 inline void ExpectParts(const std::string& text, const std::string& wanted) {
     for (size_t at = 0, bar; at <= wanted.size(); at = bar + 1) {
@@ -53,7 +46,7 @@ protected:
     Outcome Sh(const std::string& cmd) const {
         const std::string full = "cd '" + dir_.string() + "' && (" + cmd + "\n) > .out 2> .err < /dev/null";
         const int raw = std::system(full.c_str());
-        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(dir_ / ".out"), Slurp(dir_ / ".err")};
+        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(".out"), Slurp(".err")};
     }
     // Runs and expects success.
     std::string Ok(const std::string& line) const {
@@ -61,7 +54,13 @@ protected:
         EXPECT_EQ(r.status, 0) << line << "\n" << r.err;
         return r.out;
     }
-    std::filesystem::path Path(const std::string& name) const { return dir_ / name; }
+    // The bytes of a file, by its name in the scratch folder or its full path.
+    std::string Slurp(const std::string& name) const {
+        std::ifstream f(dir_ / name, std::ios::binary);
+        std::ostringstream s;
+        s << f.rdbuf();
+        return s.str();
+    }
 
     std::filesystem::path dir_;
 };
