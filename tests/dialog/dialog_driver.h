@@ -1,14 +1,14 @@
 // Driving the settings dialog from a test: the module's test hook runs one
 // scripted step on each dialog it shows, and helpers read and set controls
 // by their widget names (the control numbers). DialogRecord is a
-// ConversionParams record with its CMYK and white-point sub-records, and a
-// byte snapshot to tell whether a call changed any of them.
+// ConversionParams record with its CMYK and white-point sub-records.
 #pragma once
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include <algorithm>
 #include <cstring>
 #include <deque>
 #include <functional>
@@ -61,15 +61,6 @@ inline void Walk(GtkWidget* w, const Visit& f) {
                              const_cast<Visit*>(&f));
 }
 
-// `f` on each space-separated word; the non-empty answers, space-separated.
-inline std::string Each(const std::string& words, const std::function<std::string(const std::string&)>& f) {
-    std::istringstream in(words);
-    std::string out;
-    for (std::string word; in >> word;)
-        if (const std::string v = f(word); !v.empty()) out.append(out.empty() ? "" : " ").append(v);
-    return out;
-}
-
 // The module the library loads: dlopen of the same file yields the same
 // module, so the hook installed here is the one the library's copy sees.
 // Each dialog the module shows next (the settings dialog, then any file
@@ -96,38 +87,73 @@ inline GtkWidget* Find(GtkWidget* dialog, const char* id) {
     return found;
 }
 
-// What the controls of the space-separated ids hold, space-separated: the
-// list item's index, 0 or 1 for a check box or radio button, the spin
-// button's value, an edit's text ('' when empty).
-inline std::string Values(GtkWidget* dialog, const std::string& ids) {
-    return Each(ids, [dialog](const std::string& id) {
-        GtkWidget* w = Find(dialog, id.c_str());
-        if (GTK_IS_COMBO_BOX(w)) return std::to_string(gtk_combo_box_get_active(GTK_COMBO_BOX(w)));
-        if (GTK_IS_TOGGLE_BUTTON(w)) return std::to_string(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(w)));
-        if (GTK_IS_SPIN_BUTTON(w)) return std::to_string(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(w)));
-        const std::string text = gtk_entry_get_text(GTK_ENTRY(w));
-        return text.empty() ? std::string("''") : text;
-    });
+// Reads and sets controls word by word: "117" reads what the control holds
+// (a list's item index, 0 or 1 for a check box or radio button, a spin
+// button's value, an edit's text, '' when empty), "117=/p/a.icm" sets it.
+// What the words read, space-separated.
+inline std::string Controls(GtkWidget* dialog, const std::string& words) {
+    std::istringstream in(words);
+    std::string out;
+    for (std::string word; in >> word;) {
+        const std::size_t eq = word.find('=');
+        const bool set = eq != std::string::npos;
+        const std::string v = set ? word.substr(eq + 1) : "";
+        GtkWidget* w = Find(dialog, word.substr(0, eq).c_str());
+        std::string got;
+        if (GTK_IS_COMBO_BOX(w)) {
+            if (set) gtk_combo_box_set_active(GTK_COMBO_BOX(w), std::stoi(v));
+            got = std::to_string(gtk_combo_box_get_active(GTK_COMBO_BOX(w)));
+        } else if (GTK_IS_TOGGLE_BUTTON(w)) {
+            if (set) gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(w), v == "1");
+            got = std::to_string(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(w)));
+        } else if (GTK_IS_SPIN_BUTTON(w)) {
+            if (set) gtk_spin_button_set_value(GTK_SPIN_BUTTON(w), std::stoi(v));
+            got = std::to_string(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(w)));
+        } else {
+            if (set) gtk_entry_set_text(GTK_ENTRY(w), v.c_str());
+            got = *gtk_entry_get_text(GTK_ENTRY(w)) ? gtk_entry_get_text(GTK_ENTRY(w)) : "''";
+        }
+        if (!set) out.append(out.empty() ? "" : " ").append(got);
+    }
+    return out;
 }
 
-// Sets controls the same way: "116=4 1001=1 117=/p/a.icm".
-inline void Set(GtkWidget* dialog, const std::string& assignments) {
-    Each(assignments, [dialog](const std::string& a) {
-        GtkWidget* w = Find(dialog, a.substr(0, a.find('=')).c_str());
-        const std::string v = a.substr(a.find('=') + 1);
-        if (GTK_IS_COMBO_BOX(w)) gtk_combo_box_set_active(GTK_COMBO_BOX(w), std::stoi(v));
-        else if (GTK_IS_TOGGLE_BUTTON(w)) gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(w), v == "1");
-        else if (GTK_IS_SPIN_BUTTON(w)) gtk_spin_button_set_value(GTK_SPIN_BUTTON(w), std::stoi(v));
-        else gtk_entry_set_text(GTK_ENTRY(w), v.c_str());
-        return std::string();
+// The numbers of the enabled controls (buttons included, frames not), in
+// ascending order.
+inline std::string Enabled(GtkWidget* dialog) {
+    std::vector<int> ids;
+    Walk(dialog, [&](GtkWidget* w) {
+        if (g_ascii_isdigit(*gtk_widget_get_name(w)) && !GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w))
+            ids.push_back(std::stoi(gtk_widget_get_name(w)));
     });
+    std::sort(ids.begin(), ids.end());
+    std::string out;
+    for (int id : ids) out.append(out.empty() ? "" : " ").append(std::to_string(id));
+    return out;
 }
 
-// Of the ids, those whose control is enabled.
-inline std::string Enabled(GtkWidget* dialog, const std::string& ids) {
-    return Each(ids, [dialog](const std::string& id) {
-        return gtk_widget_is_sensitive(Find(dialog, id.c_str())) ? id : std::string();
+// Every label of the window (frame titles, control labels with their
+// mnemonics, button texts) and each list's items in their order, sorted,
+// '|' between them.
+inline std::string Texts(GtkWidget* dialog) {
+    std::vector<std::string> texts;
+    Walk(dialog, [&](GtkWidget* w) {
+        if (GTK_IS_LABEL(w)) texts.emplace_back(gtk_label_get_label(GTK_LABEL(w)));
+        if (!GTK_IS_COMBO_BOX(w)) return;
+        GtkTreeModel* m = gtk_combo_box_get_model(GTK_COMBO_BOX(w));
+        std::string items;
+        GtkTreeIter i;
+        for (gboolean ok = gtk_tree_model_get_iter_first(m, &i); ok; ok = gtk_tree_model_iter_next(m, &i)) {
+            g_autofree gchar* text = nullptr;
+            gtk_tree_model_get(m, &i, 0, &text, -1);
+            items.append(items.empty() ? "" : ", ").append(text);
+        }
+        texts.push_back(items);
     });
+    std::sort(texts.begin(), texts.end());
+    std::string all;
+    for (const std::string& t : texts) all.append(all.empty() ? "" : "|").append(t);
+    return all;
 }
 
 inline void Press(GtkWidget* dialog, const char* id) { gtk_button_clicked(GTK_BUTTON(Find(dialog, id))); }
@@ -152,46 +178,41 @@ inline void Screenshot(GtkWidget* dialog, const std::string& path) {
     g_object_unref(shot);
 }
 
+// The custom white point 0.3127, 0.329; prepare and emulation methods the
+// dialog leaves alone.
 struct DialogRecord {
     ConversionParams p = Params(METHOD_ICC, 7);
     CmykOptions cmyk = Cmyk(640);
-    IccOptions icc{{KTCLR_WHITE_D65, 0, 0, 0, 0}};
+    IccOptions icc{{KTCLR_WHITE_CUSTOM, 0, 0, 0, 0}};
 
     DialogRecord() {
         p.emulationMethod = 3;
         p.cmykOptions = &cmyk;
         p.iccOptions = &icc;
+        const double xy[] = {0.3127, 0.329};
+        std::memcpy(&icc.values[1], xy, sizeof xy);
         std::u16string(u"/profiles/source.icm").copy(p.srcProfilePath, 100);
         std::u16string(u"/profiles/destination.icm").copy(p.dstProfilePath, 100);
         std::u16string(u"/tables/grid.tif").copy(p.emulationTablePath, 100);
     }
     DialogRecord(const DialogRecord&) = delete;
 
-    void SetCustom(double x, double y) {
-        icc.values[0] = KTCLR_WHITE_CUSTOM;
-        std::memcpy(&icc.values[1], &x, sizeof x);
-        std::memcpy(&icc.values[3], &y, sizeof y);
-    }
-    // What the dialog writes, in words: method, white point, custom x and y,
-    // GCR, flags, source, destination and table paths.
+    // Its bytes, sub-records included: whether a call changed any of them.
+    std::string Bytes() const { return std::string(reinterpret_cast<const char*>(this), sizeof *this); }
+
+    // In words: method, prepare and emulation methods, white point, its x and
+    // y, GCR, flags, source, destination and table paths.
     std::string Written() const {
-        double x, y;
-        std::memcpy(&x, &icc.values[1], sizeof x);
-        std::memcpy(&y, &icc.values[3], sizeof y);
-        g_autofree gchar* head =
-            g_strdup_printf("%u %u %f %f %u %u", p.method, icc.values[0], x, y, cmyk.value, cmyk.validMask);
+        double xy[2];
+        std::memcpy(xy, &icc.values[1], sizeof xy);
+        g_autofree gchar* head = g_strdup_printf("%u %u %u %u %f %f %u %u", p.method, p.prepareMethods,
+                                                 p.emulationMethod, icc.values[0], xy[0], xy[1], cmyk.value, cmyk.validMask);
         std::string s = head;
         for (const KtChar16* path : {p.srcProfilePath, p.dstProfilePath, p.emulationTablePath}) {
             g_autofree gchar* utf8 = g_utf16_to_utf8(reinterpret_cast<const gunichar2*>(path), -1, nullptr, nullptr, nullptr);
             s += std::string(" ") + (utf8 ? utf8 : "?");
         }
         return s;
-    }
-
-    std::string Bytes() const {
-        return std::string(reinterpret_cast<const char*>(&p), sizeof p) +
-               std::string(reinterpret_cast<const char*>(&cmyk), sizeof cmyk) +
-               std::string(reinterpret_cast<const char*>(&icc), sizeof icc);
     }
 };
 

@@ -1,0 +1,225 @@
+// The settings dialogs. DialogChecks need no display and run with DISPLAY
+// and WAYLAND_DISPLAY unset: other kinds, the record checks, no display, no
+// module. DialogShown run on a display (Xvfb): what the dialogs show, what OK
+// writes back, what Cancel, Escape and closing leave alone, the controls
+// each method enables, the browse buttons' file choosers, the narrow twin.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <tuple>
+
+#include "dialog_driver.h"
+
+namespace kt::test {
+namespace {
+
+// Other kinds answer STATUS_OK at once whatever the record; for the CMYK and
+// CIELab dialogs the record checks answer ERR_INVALID_PARAMETER, then a
+// good record or none KTCLR_DLG_UNAVAILABLE (no display). No answer changes
+// the record.
+TEST(DialogChecks, RecordChecksThenNoDisplay) {
+    ASSERT_EQ(std::getenv("DISPLAY"), nullptr) << "run without a display";
+    MappedPages readOnly(1, MappedPages::Access::read);
+    MappedPages tail(1, MappedPages::Access::readWrite);
+    void* const unusable[] = {nullptr, readOnly.data(), tail.end() - 8};  // none, read-only, past the end
+    for (int c = 0; c < 9; ++c) {
+        DialogRecord r;
+        if (c < 2) r.p.structSize = c ? 1625 : 0;
+        if (c >= 2 && c < 5) r.p.cmykOptions = static_cast<CmykOptions*>(unusable[c - 2]);
+        if (c >= 5 && c < 8) r.p.iccOptions = static_cast<IccOptions*>(unusable[c - 5]);
+        const auto before = r.Bytes();
+        for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), c < 8 ? ERR_INVALID_PARAMETER : KTCLR_DLG_UNAVAILABLE) << c;
+        for (int kind : {0, 3, -1, 128}) {
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), STATUS_OK) << kind;
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(8)), STATUS_OK) << kind;
+            EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, nullptr), STATUS_OK) << kind;
+        }
+        EXPECT_EQ(r.Bytes(), before) << c;
+    }
+    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), KTCLR_DLG_UNAVAILABLE);
+    DialogRecord r;
+    ConversionParamsA a{};
+    a.cmykOptions = &r.cmyk;
+    a.iccOptions = &r.icc;
+    std::strcpy(a.srcProfilePath, "/narrow.icm");
+    EXPECT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &a), KTCLR_DLG_UNAVAILABLE);
+    EXPECT_STREQ(a.srcProfilePath, "/narrow.icm");
+}
+
+// The record's extent follows its size field: a short-form record may end
+// right before iccFlags, a long-form one may not.
+TEST(DialogChecks, RecordExtentFollowsItsSizeField) {
+    MappedPages pages(1, MappedPages::Access::readWrite);
+    DialogRecord r;
+    const std::size_t shortBytes = offsetof(ConversionParams, iccFlags);
+    auto* p = reinterpret_cast<ConversionParams*>(pages.end() - shortBytes);
+    std::memcpy(p, &r.p, shortBytes);
+    p->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
+    EXPECT_EQ(Vx_ClrDlg(KTCLR_DLG_CMYK, nullptr, nullptr, p), ERR_INVALID_PARAMETER);
+    p->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
+    EXPECT_EQ(Vx_ClrDlg(KTCLR_DLG_CMYK, nullptr, nullptr, p), KTCLR_DLG_UNAVAILABLE);
+    MappedPages unreadable(1, MappedPages::Access::none);
+    EXPECT_EQ(Vx_ClrDlg(KTCLR_DLG_LAB, nullptr, nullptr, reinterpret_cast<ConversionParams*>(unreadable.data())),
+              ERR_INVALID_PARAMETER);
+    EXPECT_EQ(Vx_ClrDlgA(KTCLR_DLG_LAB, nullptr, nullptr, reinterpret_cast<ConversionParamsA*>(unreadable.data())),
+              ERR_INVALID_PARAMETER);
+}
+
+// A copy of the library in a folder without ktclr-modules finds no module.
+TEST(DialogChecks, WithoutTheModuleTheDialogIsUnavailable) {
+    const std::string dir = std::filesystem::temp_directory_path() / ("ktclr-no-module-" + std::to_string(getpid()));
+    ASSERT_EQ(std::system(("mkdir -p " + dir + " && cp -L " KTCLR_LIBRARY " " + dir + "/libktclr.so").c_str()), 0);
+    void* lib = dlopen((dir + "/libktclr.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(lib, nullptr) << dlerror();
+    DialogRecord r;
+    const auto before = r.Bytes();
+    EXPECT_EQ(reinterpret_cast<decltype(&Vx_ClrDlg)>(dlsym(lib, "Vx_ClrDlg"))(KTCLR_DLG_LAB, nullptr, nullptr, &r.p),
+              KTCLR_DLG_UNAVAILABLE);
+    EXPECT_EQ(r.Bytes(), before);
+    dlclose(lib);
+    std::filesystem::remove_all(dir);
+}
+
+// The dialog shows its labels with their mnemonics, its lists' items and
+// the record; a standard white point shows 0.0 and the custom one brings
+// the custom point back. OK (Enter: the method list has the focus) writes
+// every choice back (Written's words), not the prepare and emulation
+// methods, and no GCR from the CIELab dialog; Cancel, Escape and closing the
+// window change nothing.
+TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
+    const std::tuple<int, const char*, const char*, const char*, const char*, const char*> cases[] = {
+        // kind, title, texts, controls read and set, what they read, what OK writes
+        {KTCLR_DLG_CMYK, "CMYK color settings",
+         "...|...|...|BGR _Order|Built-in Settings|Built-in conversion, ICC profiling, Custom ICC Profiling, Built-in "
+         "emulation tables, Custom emulation tables|Cancel|Conversion _Method|Custom ICC Profiles|D50, D55, D65, D75, "
+         "D93, Custom (xyY) point|Emulation tables|Miscellaneous|OK|RGB _to CMYK|Y is always 1.0|_CMYK Profile|"
+         "_Destination RGB table|_GCR|_RGB profile|_White point|_x|_y",
+         "116 123 124 125 117 119 121 126 1001 1002 123=2 124 125 123=5 124=0.3457 126=420 1001=1 117=/p/cmyk.icm "
+         "119=/p/F\xc3\xa4rg.icm 121=/t/rgb.tif",
+         "2 5 0.312700 0.329000 /profiles/destination.icm /profiles/source.icm /tables/grid.tif 640 0 1 0.0 0.0",
+         "4 7 3 1 0.345700 0.329000 420 7 /p/F\xc3\xa4rg.icm /p/cmyk.icm /t/rgb.tif"},
+        {KTCLR_DLG_LAB, "CIELab color settings",
+         "...|...|...|...|BGR _Order|Built-in Settings|Built-in conversion, ICC profiling, Custom ICC Profiling, "
+         "Built-in emulation tables, Custom emulation tables|CIE_Lab To RGB|Cancel|Conversion _Method|Custom ICC "
+         "Profiles|D50, D55, D65, D75, D93, Custom (xyY) point|Destination R_GB table|Destination _CIELab table|"
+         "Emulation tables|Lab To RGB conversion|Miscellaneous|OK|RGB To Lab conversion|RGB _to LAB|Y is always 1.0|"
+         "_Destination output profile|_RGB To CIELab|_Source input profile|_White point|_x|_y",
+         "135 130 132 116=4 123=4 134=1 130=/t/lab.tif 117=/p/in.icm 1001=1 1002=1", "1 '' /tables/grid.tif",
+         "16 7 3 93 0.000000 0.000000 640 6 /p/in.icm /profiles/destination.icm /t/lab.tif"},
+    };
+    for (const auto& [kind, title, texts, words, read, written] : cases) {
+        for (const char end : {'o', 'c', 'e', 'x'}) {  // OK, Cancel, Escape, the window closed
+            DialogRecord r;
+            if (kind == KTCLR_DLG_CMYK) {
+                r.p.method = METHOD_CUSTOM_ICC;
+                r.cmyk.validMask = KTCLR_DLG_FROM_RGB;  // RGB is the source: the CMYK profile is the destination
+            }
+            const std::string before = r.Bytes();
+            Script({[&](GtkWidget* d) {
+                Screenshot(d, std::string(KTCLR_SHOT_DIR "/dialog-") + (kind == KTCLR_DLG_CMYK ? "cmyk" : "lab") + ".png");
+                EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(d)), title);
+                EXPECT_EQ(Texts(d), texts);
+                EXPECT_EQ(Controls(d, words), read);
+                if (end == 'o' || end == 'e') Key(d, end == 'o' ? GDK_KEY_Return : GDK_KEY_Escape);
+                if (end == 'c') Press(d, "2");
+                if (end == 'x') gtk_window_close(GTK_WINDOW(d));
+            }});
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), end == 'o' ? STATUS_OK : 0) << end;
+            EXPECT_EQ(end == 'o' ? r.Written() : r.Bytes(), end == 'o' ? written : before) << end;
+        }
+    }
+}
+
+// Without a record the dialog opens on its defaults; then, row by row, the
+// controls read and the enabled ones after the choices (method, white point,
+// CIELab table; x and y take 8 characters, GCR 0 to 1000); OK writes nothing.
+TEST(DialogShown, DefaultsAndTheControlsEachMethodEnables) {
+    const std::tuple<int, const char*, const char*> cases[] = {  // kind, controls read and set, read|enabled
+        {1, "116 123 124 117 126 1001 1002", "0 0 0.0 '' 175 0 0|1 2 116 123 126 1001 1002"},
+        {1, "123=5 126=2000 126 124=0.123456789 124", "1000 0.123456|1 2 116 123 124 125 126 1001 1002"},
+        {1, "116=1 123=2", "|1 2 116 123 126 1001 1002"},
+        {1, "116=2 123=5", "|1 2 116 117 118 119 120 123 124 125 126 1001 1002"},
+        {1, "116=3", "|1 2 116 126 1001 1002"},
+        {1, "116=4 123=0", "|1 2 116 121 122 126 1001 1002"},
+        {2, "116 123 124 117 134", "0 0 0.0 '' 1|1 2 116 123 1001 1002"},
+        {2, "123=5", "|1 2 116 123 124 125 1001 1002"},
+        {2, "116=2 123=0", "|1 2 116 117 118 119 120 123 1001 1002"},
+        {2, "116=3", "|1 2 116 1001 1002"},
+        {2, "116=4 134=1", "|1 2 116 130 131 134 135 1001 1002"},
+        {2, "116=4 123=5 135=1", "|1 2 116 132 133 134 135 1001 1002"},
+    };
+    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
+        Script({[&](GtkWidget* d) {
+            for (const auto& [k, words, expected] : cases) {
+                if (k != kind) continue;
+                const std::string read = Controls(d, words);  // first: the choices, then what they enable
+                EXPECT_EQ(read + "|" + Enabled(d), expected) << words;
+            }
+            Press(d, "1");
+        }});
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), STATUS_OK);
+    }
+}
+
+bool Chosen(GtkFileChooser* files) {
+    g_autofree gchar* uri = gtk_file_chooser_get_uri(files);
+    return uri != nullptr;
+}
+
+// Each browse button opens a file chooser with its title and filter; the
+// file chosen there lands in the button's edit.
+TEST(DialogShown, BrowseButtonsOpenTheirFileChoosers) {
+    const std::tuple<int, const char*, const char*, const char*, const char*> cases[] = {  // kind, button, edit, title, filter
+        {1, "118", "117", "Open CMYK Profile", "ICC Files (*.ICM)"},
+        {1, "120", "119", "Open RGB Profile", "ICC Files (*.ICM)"},
+        {1, "122", "121", "Open destination RGB image", "TIFF Files (*.TIF)"},
+        {2, "118", "117", "Open RGB Profile", "ICC Files (*.ICM)"},
+        {2, "120", "119", "Open LAB Profile", "ICC Files (*.ICM)"},
+        {2, "131", "130", "Open destination Lab image", "TIFF Files (*.TIF)"},
+        {2, "133", "132", "Open destination RGB image", "TIFF Files (*.TIF)"},
+    };
+    const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / ("ktclr-dialog-" + std::to_string(getpid()) + ".icm");
+    std::ofstream(file) << "x";
+    for (const auto& [kind, button, edit, title, filter] : cases) {
+        Script({[&](GtkWidget* d) {
+                    Press(d, button);
+                    EXPECT_EQ(Controls(d, edit), file.string()) << button;
+                    Press(d, "2");
+                },
+                [&](GtkWidget* chooser) {
+                    auto* files = GTK_FILE_CHOOSER(chooser);
+                    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), title);
+                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), filter);
+                    gtk_file_chooser_select_filename(files, file.c_str());
+                    for (int i = 0; i < 200 && !Chosen(files); ++i) Pump(10);  // the folder loads in the background
+                    gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
+                }});
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), 0) << button;
+    }
+    std::filesystem::remove(file);
+}
+
+TEST(DialogShown, NarrowTwinCopiesTheChoicesBack) {
+    DialogRecord r;
+    ConversionParamsA a{};
+    a.cmykOptions = &r.cmyk;
+    a.iccOptions = &r.icc;
+    std::strcpy(a.emulationTablePath, "/narrow/grid.tif");
+    Script({[](GtkWidget* d) {
+        EXPECT_EQ(Controls(d, "121 116=3 119=/narrow/rgb.icm"), "/narrow/grid.tif");
+        Press(d, "1");
+    }});
+    ASSERT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &a), STATUS_OK);
+    EXPECT_EQ(a.method, unsigned(METHOD_BUILTIN_EMULATION));
+    EXPECT_STREQ(a.dstProfilePath, "/narrow/rgb.icm");
+    EXPECT_STREQ(a.emulationTablePath, "/narrow/grid.tif");
+}
+
+}  // namespace
+}  // namespace kt::test
