@@ -66,16 +66,13 @@ inline void Walk(GtkWidget* w, const Visit& f) {
 // Each dialog the module shows next (the settings dialog, then any file
 // chooser) runs the next step once it is on screen. A dialog without a step,
 // or one still open 10 s after its step, is cancelled so no test hangs.
-inline void Script(std::vector<Step> steps) {
-    static const bool installed = [] {
-        using SetHook = void (*)(void (*)(GtkWidget*, void*), void*);
-        auto set = reinterpret_cast<SetHook>(
-            dlsym(dlopen(KTCLR_DIALOG_MODULE, RTLD_NOW | RTLD_LOCAL), "ktclr_dialog_test_hook"));
-        if (set) set(Hook, nullptr);
-        return set != nullptr;
-    }();
-    ASSERT_TRUE(installed) << dlerror();
-    g_steps.assign(std::make_move_iterator(steps.begin()), std::make_move_iterator(steps.end()));
+inline void Script(std::deque<Step> steps) {
+    using SetHook = void (*)(void (*)(GtkWidget*, void*), void*);
+    static const auto set = reinterpret_cast<SetHook>(
+        dlsym(dlopen(KTCLR_DIALOG_MODULE, RTLD_NOW | RTLD_LOCAL), "ktclr_dialog_test_hook"));
+    ASSERT_NE(set, nullptr) << dlerror();
+    set(Hook, nullptr);
+    g_steps = std::move(steps);
 }
 
 inline GtkWidget* Find(GtkWidget* dialog, const char* id) {

@@ -135,10 +135,17 @@ TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
     }
 }
 
+bool Chosen(GtkFileChooser* files) {
+    g_autofree gchar* uri = gtk_file_chooser_get_uri(files);
+    return uri != nullptr;
+}
+
 // Without a record the dialog opens on its defaults; then, row by row, the
 // controls read and the enabled ones after the choices (method, white point,
-// CIELab table; x and y take 8 characters, GCR 0 to 1000); OK writes nothing.
-TEST(DialogShown, DefaultsAndTheControlsEachMethodEnables) {
+// CIELab table; x and y take 8 characters, GCR 0 to 1000). Each browse
+// button opens a file chooser with its title and filter, and the file chosen
+// there lands in the button's edit. OK writes nothing.
+TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
     const std::tuple<int, const char*, const char*> cases[] = {  // kind, controls read and set, read|enabled
         {1, "116 123 124 117 126 1001 1002", "0 0 0.0 '' 175 0 0|1 2 116 123 126 1001 1002"},
         {1, "123=5 126=2000 126 124=0.123456789 124", "1000 0.123456|1 2 116 123 124 125 126 1001 1002"},
@@ -153,28 +160,7 @@ TEST(DialogShown, DefaultsAndTheControlsEachMethodEnables) {
         {2, "116=4 134=1", "|1 2 116 130 131 134 135 1001 1002"},
         {2, "116=4 123=5 135=1", "|1 2 116 132 133 134 135 1001 1002"},
     };
-    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
-        Script({[&](GtkWidget* d) {
-            for (const auto& [k, words, expected] : cases) {
-                if (k != kind) continue;
-                const std::string read = Controls(d, words);  // first: the choices, then what they enable
-                EXPECT_EQ(read + "|" + Enabled(d), expected) << words;
-            }
-            Press(d, "1");
-        }});
-        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), STATUS_OK);
-    }
-}
-
-bool Chosen(GtkFileChooser* files) {
-    g_autofree gchar* uri = gtk_file_chooser_get_uri(files);
-    return uri != nullptr;
-}
-
-// Each browse button opens a file chooser with its title and filter; the
-// file chosen there lands in the button's edit.
-TEST(DialogShown, BrowseButtonsOpenTheirFileChoosers) {
-    const std::tuple<int, const char*, const char*, const char*, const char*> cases[] = {  // kind, button, edit, title, filter
+    const std::tuple<int, const char*, const char*, const char*, const char*> browse[] = {  // kind, button, edit, title, filter
         {1, "118", "117", "Open CMYK Profile", "ICC Files (*.ICM)"},
         {1, "120", "119", "Open RGB Profile", "ICC Files (*.ICM)"},
         {1, "122", "121", "Open destination RGB image", "TIFF Files (*.TIF)"},
@@ -186,21 +172,33 @@ TEST(DialogShown, BrowseButtonsOpenTheirFileChoosers) {
     const std::filesystem::path file =
         std::filesystem::temp_directory_path() / ("ktclr-dialog-" + std::to_string(getpid()) + ".icm");
     std::ofstream(file) << "x";
-    for (const auto& [kind, button, edit, title, filter] : cases) {
-        Script({[&](GtkWidget* d) {
-                    Press(d, button);
-                    EXPECT_EQ(Controls(d, edit), file.string()) << button;
-                    Press(d, "2");
-                },
-                [&](GtkWidget* chooser) {
-                    auto* files = GTK_FILE_CHOOSER(chooser);
-                    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), title);
-                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), filter);
-                    gtk_file_chooser_select_filename(files, file.c_str());
-                    for (int i = 0; i < 200 && !Chosen(files); ++i) Pump(10);  // the folder loads in the background
-                    gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
-                }});
-        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), 0) << button;
+    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
+        std::deque<Step> steps = {[&](GtkWidget* d) {
+            for (const auto& [k, words, expected] : cases) {
+                if (k != kind) continue;
+                const std::string read = Controls(d, words);  // first: the choices, then what they enable
+                EXPECT_EQ(read + "|" + Enabled(d), expected) << words;
+            }
+            for (const auto& [k, button, edit, title, filter] : browse) {
+                if (k != kind) continue;
+                Press(d, button);
+                EXPECT_EQ(Controls(d, edit), file.string()) << button;
+            }
+            Press(d, "1");
+        }};
+        for (const auto& [k, button, edit, title, filter] : browse) {
+            if (k != kind) continue;
+            steps.push_back([&, title = title, filter = filter](GtkWidget* chooser) {
+                auto* files = GTK_FILE_CHOOSER(chooser);
+                EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), title);
+                EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), filter);
+                gtk_file_chooser_select_filename(files, file.c_str());
+                for (int i = 0; i < 200 && !Chosen(files); ++i) Pump(10);  // the folder loads in the background
+                gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
+            });
+        }
+        Script(std::move(steps));
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), STATUS_OK);
     }
     std::filesystem::remove(file);
 }
