@@ -85,53 +85,54 @@ inline GtkWidget* Find(GtkWidget* dialog, const char* id) {
 }
 
 // Reads and sets controls word by word: "117" reads what the control holds
-// (a list's item index, 0 or 1 for a check box or radio button, a spin
-// button's value, an edit's text, '' when empty), "117=/p/a.icm" sets it.
-// What the words read, space-separated.
+// (a list's item index, 0 or 1 for a check box or radio button, an edit's
+// or spin button's text, '' when empty), "117=/p/a.icm" sets it. What the
+// words read, space-separated.
 inline std::string Controls(GtkWidget* dialog, const std::string& words) {
     std::istringstream in(words);
     std::string out;
     for (std::string word; in >> word;) {
         const std::size_t eq = word.find('=');
-        const bool set = eq != std::string::npos;
-        const std::string v = set ? word.substr(eq + 1) : "";
         GtkWidget* w = Find(dialog, word.substr(0, eq).c_str());
+        const char* v = eq == std::string::npos ? nullptr : word.c_str() + eq + 1;
         std::string got;
-        if (GTK_IS_COMBO_BOX(w)) {
-            if (set) gtk_combo_box_set_active(GTK_COMBO_BOX(w), std::stoi(v));
-            got = std::to_string(gtk_combo_box_get_active(GTK_COMBO_BOX(w)));
-        } else if (GTK_IS_TOGGLE_BUTTON(w)) {
-            if (set) gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(w), v == "1");
-            got = std::to_string(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(w)));
-        } else if (GTK_IS_SPIN_BUTTON(w)) {
-            if (set) gtk_spin_button_set_value(GTK_SPIN_BUTTON(w), std::stoi(v));
-            got = std::to_string(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(w)));
+        if (GTK_IS_COMBO_BOX(w) || GTK_IS_TOGGLE_BUTTON(w)) {  // both have an int "active"
+            int active = 0;
+            if (v) g_object_set(w, "active", std::atoi(v), nullptr);
+            g_object_get(w, "active", &active, nullptr);
+            got = std::to_string(active);
         } else {
-            if (set) gtk_entry_set_text(GTK_ENTRY(w), v.c_str());
+            if (v) gtk_entry_set_text(GTK_ENTRY(w), v);
+            if (v && GTK_IS_SPIN_BUTTON(w)) gtk_spin_button_update(GTK_SPIN_BUTTON(w));
             got = *gtk_entry_get_text(GTK_ENTRY(w)) ? gtk_entry_get_text(GTK_ENTRY(w)) : "''";
         }
-        if (!set) out.append(out.empty() ? "" : " ").append(got);
+        if (!v) out.append(out.empty() ? "" : " ").append(got);
     }
     return out;
 }
 
-// The numbers of the enabled controls (buttons included, frames not), in
-// ascending order.
+// The words sorted, numbers by value, `separator` between them.
+inline std::string Sorted(std::vector<std::string> words, const char* separator) {
+    std::sort(words.begin(), words.end(), [](const std::string& a, const std::string& b) {
+        return g_ascii_isdigit(a[0]) && g_ascii_isdigit(b[0]) ? std::stoi(a) < std::stoi(b) : a < b;
+    });
+    std::string all;
+    for (const std::string& w : words) all.append(all.empty() ? "" : separator).append(w);
+    return all;
+}
+
+// The numbers of the enabled controls (buttons included, frames not).
 inline std::string Enabled(GtkWidget* dialog) {
-    std::vector<int> ids;
+    std::vector<std::string> ids;
     Walk(dialog, [&](GtkWidget* w) {
         if (g_ascii_isdigit(*gtk_widget_get_name(w)) && !GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w))
-            ids.push_back(std::stoi(gtk_widget_get_name(w)));
+            ids.emplace_back(gtk_widget_get_name(w));
     });
-    std::sort(ids.begin(), ids.end());
-    std::string out;
-    for (int id : ids) out.append(out.empty() ? "" : " ").append(std::to_string(id));
-    return out;
+    return Sorted(ids, " ");
 }
 
 // Every label of the window (frame titles, control labels with their
-// mnemonics, button texts) and each list's items in their order, sorted,
-// '|' between them.
+// mnemonics, button texts) and each list's items in their order.
 inline std::string Texts(GtkWidget* dialog) {
     std::vector<std::string> texts;
     Walk(dialog, [&](GtkWidget* w) {
@@ -147,10 +148,7 @@ inline std::string Texts(GtkWidget* dialog) {
         }
         texts.push_back(items);
     });
-    std::sort(texts.begin(), texts.end());
-    std::string all;
-    for (const std::string& t : texts) all.append(all.empty() ? "" : "|").append(t);
-    return all;
+    return Sorted(texts, "|");
 }
 
 inline void Press(GtkWidget* dialog, const char* id) { gtk_button_clicked(GTK_BUTTON(Find(dialog, id))); }

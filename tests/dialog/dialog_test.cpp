@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <tuple>
 
 #include "dialog_driver.h"
@@ -33,12 +31,12 @@ TEST(DialogChecks, RecordChecksThenNoDisplay) {
         const auto before = r.Bytes();
         for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
             EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), c < 8 ? ERR_INVALID_PARAMETER : KTCLR_DLG_UNAVAILABLE) << c;
-        for (int kind : {0, 3, -1, 128}) {
-            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), STATUS_OK) << kind;
-            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(8)), STATUS_OK) << kind;
-            EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, nullptr), STATUS_OK) << kind;
-        }
+        for (int kind : {0, 3, -1, 128}) EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), STATUS_OK) << kind;
         EXPECT_EQ(r.Bytes(), before) << c;
+    }
+    for (int kind : {0, 3, -1, 128}) {  // the record unread
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(8)), STATUS_OK) << kind;
+        EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, nullptr), STATUS_OK) << kind;
     }
     for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
         EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), KTCLR_DLG_UNAVAILABLE);
@@ -72,9 +70,9 @@ TEST(DialogChecks, RecordExtentFollowsItsSizeField) {
 
 // A copy of the library in a folder without ktclr-modules finds no module.
 TEST(DialogChecks, WithoutTheModuleTheDialogIsUnavailable) {
-    const std::string dir = std::filesystem::temp_directory_path() / ("ktclr-no-module-" + std::to_string(getpid()));
-    ASSERT_EQ(std::system(("mkdir -p " + dir + " && cp -L " KTCLR_LIBRARY " " + dir + "/libktclr.so").c_str()), 0);
-    void* lib = dlopen((dir + "/libktclr.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+    ScratchDir dir;
+    ASSERT_EQ(test::Run("cp -L " KTCLR_LIBRARY " " + dir.File("libktclr.so")), 0);
+    void* lib = dlopen(dir.File("libktclr.so").c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(lib, nullptr) << dlerror();
     DialogRecord r;
     const auto before = r.Bytes();
@@ -82,7 +80,6 @@ TEST(DialogChecks, WithoutTheModuleTheDialogIsUnavailable) {
               KTCLR_DLG_UNAVAILABLE);
     EXPECT_EQ(r.Bytes(), before);
     dlclose(lib);
-    std::filesystem::remove_all(dir);
 }
 
 // The dialog shows its labels with their mnemonics, its lists' items and
@@ -169,9 +166,9 @@ TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
         {2, "131", "130", "Open destination Lab image", "TIFF Files (*.TIF)"},
         {2, "133", "132", "Open destination RGB image", "TIFF Files (*.TIF)"},
     };
-    const std::filesystem::path file =
-        std::filesystem::temp_directory_path() / ("ktclr-dialog-" + std::to_string(getpid()) + ".icm");
-    std::ofstream(file) << "x";
+    ScratchDir dir;
+    const std::string file = dir.File("p.icm");
+    WriteFile(file, "x");
     for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
         std::deque<Step> steps = {[&](GtkWidget* d) {
             for (const auto& [k, words, expected] : cases) {
@@ -182,7 +179,7 @@ TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
             for (const auto& [k, button, edit, title, filter] : browse) {
                 if (k != kind) continue;
                 Press(d, button);
-                EXPECT_EQ(Controls(d, edit), file.string()) << button;
+                EXPECT_EQ(Controls(d, edit), file) << button;
             }
             Press(d, "1");
         }};
@@ -200,7 +197,6 @@ TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
         Script(std::move(steps));
         EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), STATUS_OK);
     }
-    std::filesystem::remove(file);
 }
 
 TEST(DialogShown, NarrowTwinCopiesTheChoicesBack) {
