@@ -192,4 +192,12 @@ std::unique_ptr<Reader> OpenReader(const std::string& path, FileFormat f, int fr
 
 std::unique_ptr<Writer> OpenWriter(const WriteSpec& spec) { return std::make_unique<SafeOutput>(spec); }
 
+FILE* OutputStream(int fd) {
+    const int copy = dup(fd);
+    FILE* f = copy < 0 ? nullptr : fdopen(copy, "wb");
+    if (f) return f;
+    if (copy >= 0) close(copy);
+    throw Failure("cannot open the output");
+}
+
 }  // namespace ktcli

@@ -1,8 +1,6 @@
 // JPEG through libjpeg-turbo: RGB (grey expanded) or CMYK out (Adobe's
 // inverted CMYK put right; YCCK decoded to CMYK); RGB in, with the profile
 // in APP2 segments.
-#include <unistd.h>
-
 #include <csetjmp>
 #include <cstdio>
 
@@ -93,7 +91,7 @@ private:
 class JpegWriter : public Writer, JpegFile<jpeg_compress_struct> {
 public:
     void Open(const WriteSpec& spec, int fd) {
-        Attach(fdopen(dup(fd), "wb"), "cannot open the output");
+        Attach(OutputStream(fd), "cannot open the output");
         Guarded(kFailed, [&] {
             jpeg_create_compress(&codec_);
             jpeg_stdio_dest(&codec_, file_);
