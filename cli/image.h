@@ -69,6 +69,10 @@ std::unique_ptr<Reader> OpenReader(const std::string& path, FileFormat f, int fr
 std::unique_ptr<Writer> OpenWriter(const WriteSpec& spec);
 // A stdio stream on a copy of a writer's descriptor `fd`, which stays open.
 FILE* OutputStream(int fd);
+
+// True for an existing target that is not a regular file (a device, a pipe):
+// outputs are written into it, never renamed over it.
+bool IsSpecialFile(const std::string& path);
 // Which formats can hold a space (message for the caller when not).
 bool FormatHolds(FileFormat f, int space);
 

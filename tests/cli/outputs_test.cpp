@@ -82,5 +82,13 @@ TEST_F(OutputsTest, EverySpaceRawBandsPipesAndTiff) {
     EXPECT_NE(shown.find("\r\033[Kktclr: converted 4 of 4 files to cmyk in "), std::string::npos) << shown;
 }
 
+// A pipe named as the output is written into, never renamed over: the same
+// rename would turn /dev/null into a plain file for a tool run as root.
+TEST_F(OutputsTest, PipeTargetsAreWrittenInto) {
+    Ok("mkfifo p.tif p.icc && $KTCLR convert \"$CHART\" --to cmyk -o a.tif && $KTCLR profile extract a.tif a.icc && "
+       "{ timeout 20 cat p.tif > got.tif & timeout 20 cat p.icc > got.icc & $KTCLR convert \"$CHART\" --to cmyk -o p.tif"
+       " && $KTCLR profile extract a.tif p.icc; wait; } && test -p p.tif && test -p p.icc && cmp a.tif got.tif && cmp a.icc got.icc");
+}
+
 }  // namespace
 }  // namespace ktcli::test
