@@ -8,13 +8,13 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
-#include <algorithm>
 #include <cstring>
 #include <deque>
 #include <functional>
+#include <map>
+#include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "ktclr.h"
 #include "support/support.h"
@@ -75,11 +75,17 @@ inline void Script(std::deque<Step> steps) {
     g_steps = std::move(steps);
 }
 
-inline GtkWidget* Find(GtkWidget* dialog, const char* id) {
-    GtkWidget* found = nullptr;
+// The numbered widgets (controls, buttons and one frame) by number.
+inline std::map<int, GtkWidget*> Numbered(GtkWidget* dialog) {
+    std::map<int, GtkWidget*> ids;
     Walk(dialog, [&](GtkWidget* w) {
-        if (!found && g_strcmp0(gtk_widget_get_name(w), id) == 0) found = w;
+        if (g_ascii_isdigit(*gtk_widget_get_name(w))) ids[std::atoi(gtk_widget_get_name(w))] = w;
     });
+    return ids;
+}
+
+inline GtkWidget* Find(GtkWidget* dialog, const std::string& id) {
+    GtkWidget* found = Numbered(dialog)[std::stoi(id)];
     EXPECT_NE(found, nullptr) << "no control " << id;
     return found;
 }
@@ -93,7 +99,7 @@ inline std::string Controls(GtkWidget* dialog, const std::string& words) {
     std::string out;
     for (std::string word; in >> word;) {
         const std::size_t eq = word.find('=');
-        GtkWidget* w = Find(dialog, word.substr(0, eq).c_str());
+        GtkWidget* w = Find(dialog, word.substr(0, eq));
         const char* v = eq == std::string::npos ? nullptr : word.c_str() + eq + 1;
         std::string got;
         if (GTK_IS_COMBO_BOX(w) || GTK_IS_TOGGLE_BUTTON(w)) {  // both have an int "active"
@@ -111,32 +117,20 @@ inline std::string Controls(GtkWidget* dialog, const std::string& words) {
     return out;
 }
 
-// The words sorted, numbers by value, `separator` between them.
-inline std::string Sorted(std::vector<std::string> words, const char* separator) {
-    std::sort(words.begin(), words.end(), [](const std::string& a, const std::string& b) {
-        return g_ascii_isdigit(a[0]) && g_ascii_isdigit(b[0]) ? std::stoi(a) < std::stoi(b) : a < b;
-    });
-    std::string all;
-    for (const std::string& w : words) all.append(all.empty() ? "" : separator).append(w);
-    return all;
-}
-
-// The numbers of the enabled controls (buttons included, frames not).
+// The numbers of the enabled controls (buttons included, the frame not).
 inline std::string Enabled(GtkWidget* dialog) {
-    std::vector<std::string> ids;
-    Walk(dialog, [&](GtkWidget* w) {
-        if (g_ascii_isdigit(*gtk_widget_get_name(w)) && !GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w))
-            ids.emplace_back(gtk_widget_get_name(w));
-    });
-    return Sorted(ids, " ");
+    std::string ids;
+    for (const auto& [id, w] : Numbered(dialog))
+        if (!GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w)) ids.append(ids.empty() ? "" : " ").append(std::to_string(id));
+    return ids;
 }
 
 // Every label of the window (frame titles, control labels with their
-// mnemonics, button texts) and each list's items in their order.
+// mnemonics, button texts) and each list's items in their order, sorted.
 inline std::string Texts(GtkWidget* dialog) {
-    std::vector<std::string> texts;
+    std::multiset<std::string> texts;
     Walk(dialog, [&](GtkWidget* w) {
-        if (GTK_IS_LABEL(w)) texts.emplace_back(gtk_label_get_label(GTK_LABEL(w)));
+        if (GTK_IS_LABEL(w)) texts.insert(gtk_label_get_label(GTK_LABEL(w)));
         if (!GTK_IS_COMBO_BOX(w)) return;
         GtkTreeModel* m = gtk_combo_box_get_model(GTK_COMBO_BOX(w));
         std::string items;
@@ -146,44 +140,38 @@ inline std::string Texts(GtkWidget* dialog) {
             gtk_tree_model_get(m, &i, 0, &text, -1);
             items.append(items.empty() ? "" : ", ").append(text);
         }
-        texts.push_back(items);
+        texts.insert(items);
     });
-    return Sorted(texts, "|");
+    std::string all;
+    for (const std::string& t : texts) all.append(all.empty() ? "" : "|").append(t);
+    return all;
 }
 
 inline void Press(GtkWidget* dialog, const char* id) { gtk_button_clicked(GTK_BUTTON(Find(dialog, id))); }
 
 // A key pressed and released on the focused dialog by xdotool (XTest).
-inline void Key(GtkWidget* dialog, guint keyval) {
+inline void Key(GtkWidget* dialog, const std::string& key) {
     gdk_window_focus(gtk_widget_get_window(dialog), GDK_CURRENT_TIME);  // no window manager under Xvfb
     Pump(50);
-    const std::string command = std::string("xdotool key ") + gdk_keyval_name(keyval);
     gint status = -1;
-    EXPECT_TRUE(g_spawn_command_line_sync(command.c_str(), nullptr, nullptr, &status, nullptr) && status == 0)
-        << command;
-}
-
-// The dialog's window as a PNG file.
-inline void Screenshot(GtkWidget* dialog, const std::string& path) {
-    GdkWindow* window = gtk_widget_get_window(dialog);
-    GdkPixbuf* shot =
-        gdk_pixbuf_get_from_window(window, 0, 0, gdk_window_get_width(window), gdk_window_get_height(window));
-    ASSERT_NE(shot, nullptr);
-    EXPECT_TRUE(gdk_pixbuf_save(shot, path.c_str(), "png", nullptr, nullptr));
-    g_object_unref(shot);
+    EXPECT_TRUE(g_spawn_command_line_sync(("xdotool key " + key).c_str(), nullptr, nullptr, &status, nullptr) && !status);
 }
 
 // The custom white point 0.3127, 0.329; prepare and emulation methods the
-// dialog leaves alone.
+// dialog leaves alone. `narrow` is an empty narrow record sharing the
+// sub-records.
 struct DialogRecord {
     ConversionParams p = Params(METHOD_ICC, 7);
     CmykOptions cmyk = Cmyk(640);
     IccOptions icc{{KTCLR_WHITE_CUSTOM, 0, 0, 0, 0}};
+    ConversionParamsA narrow{};
 
     DialogRecord() {
         p.emulationMethod = 3;
         p.cmykOptions = &cmyk;
         p.iccOptions = &icc;
+        narrow.cmykOptions = &cmyk;
+        narrow.iccOptions = &icc;
         const double xy[] = {0.3127, 0.329};
         std::memcpy(&icc.values[1], xy, sizeof xy);
         std::u16string(u"/profiles/source.icm").copy(p.srcProfilePath, 100);

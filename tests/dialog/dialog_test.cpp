@@ -16,55 +16,46 @@ namespace {
 
 // Other kinds answer STATUS_OK at once whatever the record; for the CMYK and
 // CIELab dialogs the record checks answer ERR_INVALID_PARAMETER, then a
-// good record or none KTCLR_DLG_UNAVAILABLE (no display). No answer changes
-// the record.
+// good record or none KTCLR_DLG_UNAVAILABLE (no display). Each record ends
+// at an unmapped page: a short-form one may end right before iccFlags, a
+// long-form one may not. No answer changes the record.
 TEST(DialogChecks, RecordChecksThenNoDisplay) {
     ASSERT_EQ(std::getenv("DISPLAY"), nullptr) << "run without a display";
-    MappedPages readOnly(1, MappedPages::Access::read);
-    MappedPages tail(1, MappedPages::Access::readWrite);
+    using enum MappedPages::Access;
+    MappedPages readOnly(1, read), tail(1, readWrite), page(1, readWrite), unreadable(1, none);
     void* const unusable[] = {nullptr, readOnly.data(), tail.end() - 8};  // none, read-only, past the end
-    for (int c = 0; c < 9; ++c) {
+    // sizes 0 and 1625, bad CMYK and ICC options, cut short with either size, good
+    const std::uint32_t sizes[] = {0, 1625, KTCLR_SIZEOF_CONVERSION_PARAMS_EX, KTCLR_SIZEOF_CONVERSION_PARAMS,
+                                   KTCLR_SIZEOF_CONVERSION_PARAMS_EX};
+    for (int c = 0; c < 11; ++c) {
         DialogRecord r;
-        if (c < 2) r.p.structSize = c ? 1625 : 0;
         if (c >= 2 && c < 5) r.p.cmykOptions = static_cast<CmykOptions*>(unusable[c - 2]);
         if (c >= 5 && c < 8) r.p.iccOptions = static_cast<IccOptions*>(unusable[c - 5]);
-        const auto before = r.Bytes();
+        if (c < 2 || c >= 8) r.p.structSize = sizes[c < 2 ? c : c - 6];
+        const std::size_t n = c >= 8 && c < 10 ? offsetof(ConversionParams, iccFlags) : sizeof r.p;
+        auto* p = reinterpret_cast<ConversionParams*>(page.end() - n);
+        std::memcpy(p, &r.p, n);
+        const auto bytes = [&] { return r.Bytes() + std::string(reinterpret_cast<const char*>(p), n); };
+        const auto before = bytes();
         for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
-            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, &r.p), c < 8 ? ERR_INVALID_PARAMETER : KTCLR_DLG_UNAVAILABLE) << c;
-        EXPECT_EQ(r.Bytes(), before) << c;
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, p), c < 9 ? ERR_INVALID_PARAMETER : KTCLR_DLG_UNAVAILABLE) << c;
+        EXPECT_EQ(bytes(), before) << c;
     }
     for (int kind : {0, 3, -1, 128}) {  // other kinds do not read the record
         EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(8)), STATUS_OK) << kind;
         EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, nullptr), STATUS_OK) << kind;
     }
-    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
+    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
         EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), KTCLR_DLG_UNAVAILABLE);
+        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(unreadable.data())),
+                  ERR_INVALID_PARAMETER);
+        EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, reinterpret_cast<ConversionParamsA*>(unreadable.data())),
+                  ERR_INVALID_PARAMETER);
+    }
     DialogRecord r;
-    ConversionParamsA a{};
-    a.cmykOptions = &r.cmyk;
-    a.iccOptions = &r.icc;
-    std::strcpy(a.srcProfilePath, "/narrow.icm");
-    EXPECT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &a), KTCLR_DLG_UNAVAILABLE);
-    EXPECT_STREQ(a.srcProfilePath, "/narrow.icm");
-}
-
-// The record's extent follows its size field: a short-form record may end
-// right before iccFlags, a long-form one may not.
-TEST(DialogChecks, RecordExtentFollowsItsSizeField) {
-    MappedPages pages(1, MappedPages::Access::readWrite);
-    DialogRecord r;
-    const std::size_t shortBytes = offsetof(ConversionParams, iccFlags);
-    auto* p = reinterpret_cast<ConversionParams*>(pages.end() - shortBytes);
-    std::memcpy(p, &r.p, shortBytes);
-    p->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
-    EXPECT_EQ(Vx_ClrDlg(KTCLR_DLG_CMYK, nullptr, nullptr, p), ERR_INVALID_PARAMETER);
-    p->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
-    EXPECT_EQ(Vx_ClrDlg(KTCLR_DLG_CMYK, nullptr, nullptr, p), KTCLR_DLG_UNAVAILABLE);
-    MappedPages unreadable(1, MappedPages::Access::none);
-    EXPECT_EQ(Vx_ClrDlg(KTCLR_DLG_LAB, nullptr, nullptr, reinterpret_cast<ConversionParams*>(unreadable.data())),
-              ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_ClrDlgA(KTCLR_DLG_LAB, nullptr, nullptr, reinterpret_cast<ConversionParamsA*>(unreadable.data())),
-              ERR_INVALID_PARAMETER);
+    std::strcpy(r.narrow.srcProfilePath, "/narrow.icm");
+    EXPECT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &r.narrow), KTCLR_DLG_UNAVAILABLE);
+    EXPECT_STREQ(r.narrow.srcProfilePath, "/narrow.icm");
 }
 
 // A copy of the library in a folder without ktclr-modules finds no module.
@@ -88,9 +79,12 @@ TEST(DialogChecks, WithoutTheModuleTheDialogIsUnavailable) {
 // methods, and no GCR from the CIELab dialog; Cancel, Escape and closing the
 // window change nothing.
 TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
-    const std::tuple<int, const char*, const char*, const char*, const char*, const char*> cases[] = {
-        // kind, title, texts, controls read and set, what they read, what OK writes
-        {KTCLR_DLG_CMYK, "CMYK color settings",
+    // kind, method and CMYK mask set (RGB the source: the CMYK profile is the destination), screenshot file,
+    // title, texts, controls read and set, what they read, what OK writes
+    using Row = std::tuple<int, unsigned, unsigned, const char*, const char*, const char*, const char*, const char*,
+                           const char*>;
+    const Row cases[] = {
+        {KTCLR_DLG_CMYK, METHOD_CUSTOM_ICC, KTCLR_DLG_FROM_RGB, KTCLR_SHOT_DIR "/dialog-cmyk.png", "CMYK color settings",
          "...|...|...|BGR _Order|Built-in Settings|Built-in conversion, ICC profiling, Custom ICC Profiling, Built-in "
          "emulation tables, Custom emulation tables|Cancel|Conversion _Method|Custom ICC Profiles|D50, D55, D65, D75, "
          "D93, Custom (xyY) point|Emulation tables|Miscellaneous|OK|RGB _to CMYK|Y is always 1.0|_CMYK Profile|"
@@ -99,7 +93,7 @@ TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
          "119=/p/F\xc3\xa4rg.icm 121=/t/rgb.tif",
          "2 5 0.312700 0.329000 /profiles/destination.icm /profiles/source.icm /tables/grid.tif 640 0 1 0.0 0.0",
          "4 7 3 1 0.345700 0.329000 420 7 /p/F\xc3\xa4rg.icm /p/cmyk.icm /t/rgb.tif"},
-        {KTCLR_DLG_LAB, "CIELab color settings",
+        {KTCLR_DLG_LAB, METHOD_ICC, 0, KTCLR_SHOT_DIR "/dialog-lab.png", "CIELab color settings",
          "...|...|...|...|BGR _Order|Built-in Settings|Built-in conversion, ICC profiling, Custom ICC Profiling, "
          "Built-in emulation tables, Custom emulation tables|CIE_Lab To RGB|Cancel|Conversion _Method|Custom ICC "
          "Profiles|D50, D55, D65, D75, D93, Custom (xyY) point|Destination R_GB table|Destination _CIELab table|"
@@ -108,20 +102,20 @@ TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
          "135 130 132 116=4 123=4 134=1 130=/t/lab.tif 117=/p/in.icm 1001=1 1002=1", "1 '' /tables/grid.tif",
          "16 7 3 93 0.000000 0.000000 640 6 /p/in.icm /profiles/destination.icm /t/lab.tif"},
     };
-    for (const auto& [kind, title, texts, words, read, written] : cases) {
+    for (const auto& [kind, method, mask, shot, title, texts, words, read, written] : cases) {
         for (const char end : {'o', 'c', 'e', 'x'}) {  // OK, Cancel, Escape, the window closed
             DialogRecord r;
-            if (kind == KTCLR_DLG_CMYK) {
-                r.p.method = METHOD_CUSTOM_ICC;
-                r.cmyk.validMask = KTCLR_DLG_FROM_RGB;  // RGB is the source: the CMYK profile is the destination
-            }
+            r.p.method = method;
+            r.cmyk.validMask = mask;
             const std::string before = r.Bytes();
             Script({[&](GtkWidget* d) {
-                Screenshot(d, std::string(KTCLR_SHOT_DIR "/dialog-") + (kind == KTCLR_DLG_CMYK ? "cmyk" : "lab") + ".png");
+                GdkWindow* w = gtk_widget_get_window(d);  // the window as README's picture
+                g_autoptr(GdkPixbuf) png = gdk_pixbuf_get_from_window(w, 0, 0, gdk_window_get_width(w), gdk_window_get_height(w));
+                EXPECT_TRUE(png && gdk_pixbuf_save(png, shot, "png", nullptr, nullptr));
                 EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(d)), title);
                 EXPECT_EQ(Texts(d), texts);
                 EXPECT_EQ(Controls(d, words), read);
-                if (end == 'o' || end == 'e') Key(d, end == 'o' ? GDK_KEY_Return : GDK_KEY_Escape);
+                if (end == 'o' || end == 'e') Key(d, end == 'o' ? "Return" : "Escape");
                 if (end == 'c') Press(d, "2");
                 if (end == 'x') gtk_window_close(GTK_WINDOW(d));
             }});
@@ -129,11 +123,6 @@ TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
             EXPECT_EQ(end == 'o' ? r.Written() : r.Bytes(), end == 'o' ? written : before) << end;
         }
     }
-}
-
-bool Chosen(GtkFileChooser* files) {
-    g_autofree gchar* uri = gtk_file_chooser_get_uri(files);
-    return uri != nullptr;
 }
 
 // Without a record the dialog opens on its defaults; then, row by row, the
@@ -169,7 +158,7 @@ TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
     const std::string file = dir.File("p.icm");
     WriteFile(file, "x");
     for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
-        std::deque<Step> steps = {[&](GtkWidget* d) {
+        Script({[&](GtkWidget* d) {
             for (const auto& [k, words, expected] : cases) {
                 if (k != kind) continue;
                 const std::string read = Controls(d, words);  // first: the choices, then what they enable
@@ -177,32 +166,27 @@ TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
             }
             for (const auto& [k, button, edit, title, filter] : browse) {
                 if (k != kind) continue;
+                g_steps.push_back([&, title = title, filter = filter](GtkWidget* chooser) {  // the chooser's step
+                    auto* files = GTK_FILE_CHOOSER(chooser);
+                    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), title);
+                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), filter);
+                    gtk_file_chooser_select_filename(files, file.c_str());
+                    g_autofree gchar* uri = nullptr;  // the folder loads in the background
+                    for (int i = 0; i < 200 && !uri; ++i, Pump(10)) uri = gtk_file_chooser_get_uri(files);
+                    gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
+                });
                 Press(d, button);
                 EXPECT_EQ(Controls(d, edit), file) << button;
             }
             Press(d, "1");
-        }};
-        for (const auto& [k, button, edit, title, filter] : browse) {
-            if (k != kind) continue;
-            steps.push_back([&, title = title, filter = filter](GtkWidget* chooser) {
-                auto* files = GTK_FILE_CHOOSER(chooser);
-                EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), title);
-                EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(files)), filter);
-                gtk_file_chooser_select_filename(files, file.c_str());
-                for (int i = 0; i < 200 && !Chosen(files); ++i) Pump(10);  // the folder loads in the background
-                gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
-            });
-        }
-        Script(std::move(steps));
+        }});
         EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), STATUS_OK);
     }
 }
 
 TEST(DialogShown, NarrowTwinCopiesTheChoicesBack) {
     DialogRecord r;
-    ConversionParamsA a{};
-    a.cmykOptions = &r.cmyk;
-    a.iccOptions = &r.icc;
+    ConversionParamsA& a = r.narrow;
     std::strcpy(a.emulationTablePath, "/narrow/grid.tif");
     Script({[](GtkWidget* d) {
         EXPECT_EQ(Controls(d, "121 116=3 119=/narrow/rgb.icm"), "/narrow/grid.tif");
