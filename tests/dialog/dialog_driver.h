@@ -26,11 +26,8 @@ inline std::deque<Step> g_steps;
 
 // Lets the main loop run for about `ms` milliseconds.
 inline void Pump(int ms) {
-    const gint64 end = g_get_monotonic_time() + ms * 1000;
-    do {
+    for (const gint64 end = g_get_monotonic_time() + ms * 1000; g_get_monotonic_time() < end; g_usleep(2000))
         while (gtk_events_pending()) gtk_main_iteration();
-        g_usleep(2000);
-    } while (g_get_monotonic_time() < end);
 }
 
 inline gboolean Cancel(gpointer dialog) {
@@ -84,22 +81,25 @@ inline std::map<int, GtkWidget*> Numbered(GtkWidget* dialog) {
     return ids;
 }
 
-inline GtkWidget* Find(GtkWidget* dialog, const std::string& id) {
-    GtkWidget* found = Numbered(dialog)[std::stoi(id)];
-    EXPECT_NE(found, nullptr) << "no control " << id;
-    return found;
-}
-
-// Reads and sets controls word by word: "117" reads what the control holds
-// (a list's item index, 0 or 1 for a check box or radio button, an edit's
-// or spin button's text, '' when empty), "117=/p/a.icm" sets it. What the
-// words read, space-separated.
+// Reads, sets and presses controls word by word: "117" reads what the
+// control holds (a list's item index, 0 or 1 for a check box or radio
+// button, an edit's or spin button's text, '' when empty), "117=/p/a.icm"
+// sets it, "1" presses button 1, and "|" reads "|" and the numbers of the
+// enabled controls (buttons included, the frame not). What the words read,
+// space-separated.
 inline std::string Controls(GtkWidget* dialog, const std::string& words) {
     std::istringstream in(words);
     std::string out;
     for (std::string word; in >> word;) {
+        const auto numbered = Numbered(dialog);
+        if (word == "|") out += "|";
+        for (const auto& [id, w] : numbered)
+            if (word == "|" && !GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w))
+                out.append(out.back() == '|' ? "" : " ").append(std::to_string(id));
+        if (word == "|") continue;
         const std::size_t eq = word.find('=');
-        GtkWidget* w = Find(dialog, word.substr(0, eq));
+        GtkWidget* w = numbered.contains(std::stoi(word)) ? numbered.at(std::stoi(word)) : nullptr;
+        EXPECT_NE(w, nullptr) << "no control " << word;
         const char* v = eq == std::string::npos ? nullptr : word.c_str() + eq + 1;
         std::string got;
         if (GTK_IS_COMBO_BOX(w) || GTK_IS_TOGGLE_BUTTON(w)) {  // both have an int "active"
@@ -107,22 +107,17 @@ inline std::string Controls(GtkWidget* dialog, const std::string& words) {
             if (v) g_object_set(w, "active", std::atoi(v), nullptr);
             g_object_get(w, "active", &active, nullptr);
             got = std::to_string(active);
-        } else {
+        } else if (GTK_IS_ENTRY(w)) {
             if (v) gtk_entry_set_text(GTK_ENTRY(w), v);
             if (v && GTK_IS_SPIN_BUTTON(w)) gtk_spin_button_update(GTK_SPIN_BUTTON(w));
             got = *gtk_entry_get_text(GTK_ENTRY(w)) ? gtk_entry_get_text(GTK_ENTRY(w)) : "''";
+        } else if (GTK_IS_BUTTON(w)) {
+            gtk_button_clicked(GTK_BUTTON(w));
+            continue;
         }
         if (!v) out.append(out.empty() ? "" : " ").append(got);
     }
     return out;
-}
-
-// The numbers of the enabled controls (buttons included, the frame not).
-inline std::string Enabled(GtkWidget* dialog) {
-    std::string ids;
-    for (const auto& [id, w] : Numbered(dialog))
-        if (!GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w)) ids.append(ids.empty() ? "" : " ").append(std::to_string(id));
-    return ids;
 }
 
 // Every label of the window (frame titles, control labels with their
@@ -147,14 +142,11 @@ inline std::string Texts(GtkWidget* dialog) {
     return all;
 }
 
-inline void Press(GtkWidget* dialog, const char* id) { gtk_button_clicked(GTK_BUTTON(Find(dialog, id))); }
-
 // A key pressed and released on the focused dialog by xdotool (XTest).
 inline void Key(GtkWidget* dialog, const std::string& key) {
     gdk_window_focus(gtk_widget_get_window(dialog), GDK_CURRENT_TIME);  // no window manager under Xvfb
     Pump(50);
-    gint status = -1;
-    EXPECT_TRUE(g_spawn_command_line_sync(("xdotool key " + key).c_str(), nullptr, nullptr, &status, nullptr) && !status);
+    EXPECT_EQ(Run("xdotool key " + key), 0);
 }
 
 // The custom white point 0.3127, 0.329; prepare and emulation methods the
