@@ -15,6 +15,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "ktclr.h"
 #include "support/support.h"
@@ -48,14 +49,13 @@ inline void Hook(GtkWidget* dialog, void*) {
     step(dialog);
 }
 
-using Visit = std::function<void(GtkWidget*)>;
-
-// Calls `f` on `w` and on every widget inside it.
-inline void Walk(GtkWidget* w, const Visit& f) {
-    f(w);
-    if (GTK_IS_CONTAINER(w))
-        gtk_container_forall(GTK_CONTAINER(w), [](GtkWidget* c, gpointer v) { Walk(c, *static_cast<Visit*>(v)); },
-                             const_cast<Visit*>(&f));
+// The dialog and every widget inside it.
+inline std::vector<GtkWidget*> All(GtkWidget* dialog) {
+    std::vector<GtkWidget*> all{dialog};
+    const auto add = [](GtkWidget* c, gpointer v) { static_cast<std::vector<GtkWidget*>*>(v)->push_back(c); };
+    for (std::size_t i = 0; i < all.size(); ++i)
+        if (GTK_IS_CONTAINER(all[i])) gtk_container_forall(GTK_CONTAINER(all[i]), add, &all);
+    return all;
 }
 
 // The module the library loads: dlopen of the same file yields the same
@@ -75,9 +75,8 @@ inline void Script(std::deque<Step> steps) {
 // The numbered widgets (controls, buttons and one frame) by number.
 inline std::map<int, GtkWidget*> Numbered(GtkWidget* dialog) {
     std::map<int, GtkWidget*> ids;
-    Walk(dialog, [&](GtkWidget* w) {
+    for (GtkWidget* w : All(dialog))
         if (g_ascii_isdigit(*gtk_widget_get_name(w))) ids[std::atoi(gtk_widget_get_name(w))] = w;
-    });
     return ids;
 }
 
@@ -97,18 +96,17 @@ inline std::string Controls(GtkWidget* dialog, const std::string& words) {
             if (word == "|" && !GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w))
                 out.append(out.back() == '|' ? "" : " ").append(std::to_string(id));
         if (word == "|") continue;
-        const std::size_t eq = word.find('=');
         GtkWidget* w = numbered.contains(std::stoi(word)) ? numbered.at(std::stoi(word)) : nullptr;
         EXPECT_NE(w, nullptr) << "no control " << word;
-        const char* v = eq == std::string::npos ? nullptr : word.c_str() + eq + 1;
+        const char* v = std::strchr(word.c_str(), '=');  // then v + 1 is the value set
         std::string got;
         if (GTK_IS_COMBO_BOX(w) || GTK_IS_TOGGLE_BUTTON(w)) {  // both have an int "active"
             int active = 0;
-            if (v) g_object_set(w, "active", std::atoi(v), nullptr);
+            if (v) g_object_set(w, "active", std::atoi(v + 1), nullptr);
             g_object_get(w, "active", &active, nullptr);
             got = std::to_string(active);
         } else if (GTK_IS_ENTRY(w)) {
-            if (v) gtk_entry_set_text(GTK_ENTRY(w), v);
+            if (v) gtk_entry_set_text(GTK_ENTRY(w), v + 1);
             if (v && GTK_IS_SPIN_BUTTON(w)) gtk_spin_button_update(GTK_SPIN_BUTTON(w));
             got = *gtk_entry_get_text(GTK_ENTRY(w)) ? gtk_entry_get_text(GTK_ENTRY(w)) : "''";
         } else if (GTK_IS_BUTTON(w)) {
@@ -124,9 +122,9 @@ inline std::string Controls(GtkWidget* dialog, const std::string& words) {
 // mnemonics, button texts) and each list's items in their order, sorted.
 inline std::string Texts(GtkWidget* dialog) {
     std::multiset<std::string> texts;
-    Walk(dialog, [&](GtkWidget* w) {
+    for (GtkWidget* w : All(dialog)) {
         if (GTK_IS_LABEL(w)) texts.insert(gtk_label_get_label(GTK_LABEL(w)));
-        if (!GTK_IS_COMBO_BOX(w)) return;
+        if (!GTK_IS_COMBO_BOX(w)) continue;
         GtkTreeModel* m = gtk_combo_box_get_model(GTK_COMBO_BOX(w));
         std::string items;
         GtkTreeIter i;
@@ -136,29 +134,23 @@ inline std::string Texts(GtkWidget* dialog) {
             items.append(items.empty() ? "" : ", ").append(text);
         }
         texts.insert(items);
-    });
+    }
     std::string all;
     for (const std::string& t : texts) all.append(all.empty() ? "" : "|").append(t);
     return all;
-}
-
-// A key pressed and released on the focused dialog by xdotool (XTest).
-inline void Key(GtkWidget* dialog, const std::string& key) {
-    gdk_window_focus(gtk_widget_get_window(dialog), GDK_CURRENT_TIME);  // no window manager under Xvfb
-    Pump(50);
-    EXPECT_EQ(Run("xdotool key " + key), 0);
 }
 
 // The custom white point 0.3127, 0.329; prepare and emulation methods the
 // dialog leaves alone. `narrow` is an empty narrow record sharing the
 // sub-records.
 struct DialogRecord {
-    ConversionParams p = Params(METHOD_ICC, 7);
-    CmykOptions cmyk = Cmyk(640);
+    ConversionParams p;
+    CmykOptions cmyk;
     IccOptions icc{{KTCLR_WHITE_CUSTOM, 0, 0, 0, 0}};
     ConversionParamsA narrow{};
 
-    DialogRecord() {
+    explicit DialogRecord(std::uint32_t method = METHOD_ICC, std::uint32_t mask = 0)
+        : p(Params(method, 7)), cmyk(Cmyk(640, mask)) {
         p.emulationMethod = 3;
         p.cmykOptions = &cmyk;
         p.iccOptions = &icc;
