@@ -90,13 +90,13 @@ inline std::string Controls(GtkWidget* dialog, const std::string& words) {
     std::istringstream in(words);
     std::string out;
     for (std::string word; in >> word;) {
-        const auto numbered = Numbered(dialog);
+        auto numbered = Numbered(dialog);
         if (word == "|") out += "|";
         for (const auto& [id, w] : numbered)
             if (word == "|" && !GTK_IS_FRAME(w) && gtk_widget_is_sensitive(w))
                 out.append(out.back() == '|' ? "" : " ").append(std::to_string(id));
         if (word == "|") continue;
-        GtkWidget* w = numbered.contains(std::stoi(word)) ? numbered.at(std::stoi(word)) : nullptr;
+        GtkWidget* w = numbered[std::stoi(word)];
         EXPECT_NE(w, nullptr) << "no control " << word;
         const char* v = std::strchr(word.c_str(), '=');  // then v + 1 is the value set
         std::string got;
@@ -111,9 +111,8 @@ inline std::string Controls(GtkWidget* dialog, const std::string& words) {
             got = *gtk_entry_get_text(GTK_ENTRY(w)) ? gtk_entry_get_text(GTK_ENTRY(w)) : "''";
         } else if (GTK_IS_BUTTON(w)) {
             gtk_button_clicked(GTK_BUTTON(w));
-            continue;
         }
-        if (!v) out.append(out.empty() ? "" : " ").append(got);
+        if (!v && !got.empty()) out.append(out.empty() ? "" : " ").append(got);
     }
     return out;
 }

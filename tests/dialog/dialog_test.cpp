@@ -23,34 +23,34 @@ namespace {
 TEST(DialogChecks, RecordChecksThenNoDisplayOrNoModule) {
     ASSERT_EQ(std::getenv("DISPLAY"), nullptr) << "run without a display";
     using enum MappedPages::Access;
-    MappedPages readOnly(1, read), tail(1, readWrite), page(1, readWrite), unreadable(1, none);
-    // none, read-only, past the end; and a record that cannot be read
-    void* const unusable[] = {nullptr, readOnly.data(), tail.end() - 8, unreadable.data()};
-    // sizes 0 and 1625, bad CMYK and ICC options, cut short with either size, good
+    MappedPages readOnly(1, read), tail(1, readWrite), page(1, readWrite);
+    void* const unusable[] = {nullptr, readOnly.data(), tail.end() - 8};  // none, read-only, past the end
+    // sizes 0 and 1625, bad CMYK and ICC options, no record bytes at all (unreadable), cut short with either
+    // size, good
     const std::uint32_t sizes[] = {0, 1625, KTCLR_SIZEOF_CONVERSION_PARAMS_EX, KTCLR_SIZEOF_CONVERSION_PARAMS};
-    for (int c = 0; c < 11; ++c) {
+    for (int c = 0; c < 12; ++c) {
         DialogRecord r;
         if (c >= 2 && c < 5) r.p.cmykOptions = static_cast<CmykOptions*>(unusable[c - 2]);
         if (c >= 5 && c < 8) r.p.iccOptions = static_cast<IccOptions*>(unusable[c - 5]);
-        const bool cut = c == 8 || c == 9;
-        if (c < 2 || cut) r.p.structSize = sizes[c < 2 ? c : c - 6];
-        const std::size_t n = cut ? offsetof(ConversionParams, iccFlags) : sizeof r.p;
+        const bool cut = c == 9 || c == 10;
+        if (c < 2 || cut) r.p.structSize = sizes[c < 2 ? c : c - 7];
+        const std::size_t n = cut ? offsetof(ConversionParams, iccFlags) : c == 8 ? 0 : sizeof r.p;
         auto* p = reinterpret_cast<ConversionParams*>(page.end() - n);
         std::memcpy(p, &r.p, n);
         const auto bytes = [&] { return r.Bytes() + std::string(reinterpret_cast<const char*>(p), n); };
         const auto before = bytes();
         for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB})
-            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, p), c < 9 ? ERR_INVALID_PARAMETER : KTCLR_DLG_UNAVAILABLE) << c;
+            EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, p), c < 10 ? ERR_INVALID_PARAMETER : KTCLR_DLG_UNAVAILABLE) << c;
         EXPECT_EQ(bytes(), before) << c;
     }
     for (int kind : {0, 3, -1, 128}) {  // other kinds do not read the record
         EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, reinterpret_cast<ConversionParams*>(8)), STATUS_OK) << kind;
         EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, nullptr), STATUS_OK) << kind;
     }
-    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {
+    for (int kind : {KTCLR_DLG_CMYK, KTCLR_DLG_LAB}) {  // no record; a narrow one that cannot be read
         EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, nullptr), KTCLR_DLG_UNAVAILABLE);
-        EXPECT_EQ(Vx_ClrDlg(kind, nullptr, nullptr, static_cast<ConversionParams*>(unusable[3])), ERR_INVALID_PARAMETER);
-        EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, static_cast<ConversionParamsA*>(unusable[3])), ERR_INVALID_PARAMETER);
+        EXPECT_EQ(Vx_ClrDlgA(kind, nullptr, nullptr, reinterpret_cast<ConversionParamsA*>(page.end())),
+                  ERR_INVALID_PARAMETER);
     }
     DialogRecord r;
     std::strcpy(r.narrow.srcProfilePath, "/narrow.icm");
@@ -80,7 +80,7 @@ TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
     const std::tuple<int, unsigned, unsigned, const char*, const char*, const char*, const char*, const char*,
                      const char*>
         cases[] = {
-        {KTCLR_DLG_CMYK, METHOD_CUSTOM_ICC, KTCLR_DLG_FROM_RGB, KTCLR_SHOT_DIR "/dialog-cmyk.png", "CMYK color settings",
+        {KTCLR_DLG_CMYK, METHOD_CUSTOM_ICC, KTCLR_DLG_FROM_RGB, KTCLR_SHOT "cmyk.png", "CMYK color settings",
          "...|...|...|BGR _Order|Built-in Settings|Built-in conversion, ICC profiling, Custom ICC Profiling, Built-in "
          "emulation tables, Custom emulation tables|Cancel|Conversion _Method|Custom ICC Profiles|D50, D55, D65, D75, "
          "D93, Custom (xyY) point|Emulation tables|Miscellaneous|OK|RGB _to CMYK|Y is always 1.0|_CMYK Profile|"
@@ -89,7 +89,7 @@ TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
          "119=/p/F\xc3\xa4rg.icm 121=/t/rgb.tif",
          "2 5 0.312700 0.329000 /profiles/destination.icm /profiles/source.icm /tables/grid.tif 640 0 1 0.0 0.0",
          "4 7 3 1 0.345700 0.329000 420 7 /p/F\xc3\xa4rg.icm /p/cmyk.icm /t/rgb.tif"},
-        {KTCLR_DLG_LAB, METHOD_ICC, 0, KTCLR_SHOT_DIR "/dialog-lab.png", "CIELab color settings",
+        {KTCLR_DLG_LAB, METHOD_ICC, 0, KTCLR_SHOT "lab.png", "CIELab color settings",
          "...|...|...|...|BGR _Order|Built-in Settings|Built-in conversion, ICC profiling, Custom ICC Profiling, "
          "Built-in emulation tables, Custom emulation tables|CIE_Lab To RGB|Cancel|Conversion _Method|Custom ICC "
          "Profiles|D50, D55, D65, D75, D93, Custom (xyY) point|Destination R_GB table|Destination _CIELab table|"
@@ -104,7 +104,8 @@ TEST(DialogShown, WhatOkWritesAndCancelEscapeAndClosingLeave) {
             const std::string before = r.Bytes();
             Script({[&](GtkWidget* d) {
                 GdkWindow* w = gtk_widget_get_window(d);  // the window as README's picture
-                g_autoptr(GdkPixbuf) png = gdk_pixbuf_get_from_window(w, 0, 0, gdk_window_get_width(w), gdk_window_get_height(w));
+                g_autoptr(GdkPixbuf) png =
+                    gdk_pixbuf_get_from_window(w, 0, 0, gdk_window_get_width(w), gdk_window_get_height(w));
                 EXPECT_TRUE(png && gdk_pixbuf_save(png, shot, "png", nullptr, nullptr));
                 EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(d)), title);
                 EXPECT_EQ(Texts(d), texts);
@@ -163,13 +164,13 @@ TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
             }
             for (const auto& [k, button, edit, title, filter] : browse) {
                 if (k != kind) continue;
-                g_steps.push_back([&, title = title, filter = filter](GtkWidget* chooser) {  // the chooser's step
-                    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(chooser)), title);
-                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(GTK_FILE_CHOOSER(chooser))), filter);
-                    gtk_file_chooser_select_filename(GTK_FILE_CHOOSER(chooser), file.c_str());
+                g_steps.push_back([&, title = title, filter = filter](GtkWidget* c) {  // the chooser's step
+                    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(c)), title);
+                    EXPECT_STREQ(gtk_file_filter_get_name(gtk_file_chooser_get_filter(GTK_FILE_CHOOSER(c))), filter);
+                    gtk_file_chooser_select_filename(GTK_FILE_CHOOSER(c), file.c_str());
                     g_autofree gchar* uri = nullptr;  // the folder loads in the background
-                    for (int i = 0; i < 200 && !uri; ++i, Pump(10)) uri = gtk_file_chooser_get_uri(GTK_FILE_CHOOSER(chooser));
-                    gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
+                    for (int i = 0; i < 200 && !uri; ++i, Pump(10)) uri = gtk_file_chooser_get_uri(GTK_FILE_CHOOSER(c));
+                    gtk_dialog_response(GTK_DIALOG(c), GTK_RESPONSE_ACCEPT);
                 });
                 EXPECT_EQ(Controls(d, std::string(button) + " " + edit), file) << button;
             }
@@ -181,16 +182,12 @@ TEST(DialogShown, DefaultsEnabledControlsAndBrowseButtons) {
 
 TEST(DialogShown, NarrowTwinCopiesTheChoicesBack) {
     DialogRecord r;
-    ConversionParamsA& a = r.narrow;
-    std::strcpy(a.emulationTablePath, "/narrow/grid.tif");
-    Script({[](GtkWidget* d) {
-        EXPECT_EQ(Controls(d, "121 116=3 119=/narrow/rgb.icm"), "/narrow/grid.tif");
-        Controls(d, "1");
-    }});
-    ASSERT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &a), STATUS_OK);
-    EXPECT_EQ(a.method, unsigned(METHOD_BUILTIN_EMULATION));
-    EXPECT_STREQ(a.dstProfilePath, "/narrow/rgb.icm");
-    EXPECT_STREQ(a.emulationTablePath, "/narrow/grid.tif");
+    std::strcpy(r.narrow.emulationTablePath, "/narrow/grid.tif");
+    Script({[](GtkWidget* d) { EXPECT_EQ(Controls(d, "121 116=3 119=/narrow/rgb.icm 1"), "/narrow/grid.tif"); }});
+    ASSERT_EQ(Vx_ClrDlgA(KTCLR_DLG_CMYK, nullptr, nullptr, &r.narrow), STATUS_OK);
+    EXPECT_EQ(r.narrow.method, unsigned(METHOD_BUILTIN_EMULATION));
+    EXPECT_STREQ(r.narrow.dstProfilePath, "/narrow/rgb.icm");
+    EXPECT_STREQ(r.narrow.emulationTablePath, "/narrow/grid.tif");
 }
 
 }  // namespace
