@@ -22,7 +22,6 @@ namespace ktcli {
 namespace {
 
 constexpr size_t kBandBytes = 4u << 20;
-const char* const kIntents[] = {"perceptual", "relative", "saturation", "absolute"};
 
 // Progress of the running files, in thousandths, one slot per worker.
 struct ProgressState {
@@ -125,7 +124,7 @@ void Choose(const ConvertOptions& o, const std::string& input, PipelineSpec* spe
     if (m == Method::CustomIcc)
         *note += " (source profile " + ProfileOrigin(o.srcProfile, embedded) + ", destination profile " +
                  ProfileOrigin(o.dstProfile, false) + ")";
-    if (o.intent >= 0) *note += std::string(", intent ") + kIntents[o.intent];
+    if (o.intent >= 0) *note += std::string(", intent ") + kIntentNames[o.intent];
 }
 
 std::string RawLayout(int space, int width, int height) {

@@ -1,6 +1,7 @@
 // Format detection and the output file's life: rows go to a temporary file
-// beside the target, renamed over it (or copied to standard output) only
-// when the image is complete.
+// beside the target, renamed over it only when the image is complete. Standard
+// output and targets that are not regular files (a device, a pipe) are not
+// replaced: the finished image is copied into them.
 #include "image.h"
 
 #include <fcntl.h>
@@ -33,8 +34,8 @@ std::string Extension(const std::string& path) {
 // Owns the temporary file; the format's writer writes into its descriptor.
 class SafeOutput : public Writer {
 public:
-    explicit SafeOutput(const WriteSpec& spec) : target_(spec.path) {
-        if (target_ == "-") {
+    explicit SafeOutput(const WriteSpec& spec) : target_(spec.path), copy_(target_ == "-" || IsSpecialFile(target_)) {
+        if (copy_) {
             const char* dir = getenv("TMPDIR");
             temp_ = std::string(dir && *dir ? dir : "/tmp") + "/ktclr-XXXXXX";
         } else {
@@ -56,8 +57,8 @@ public:
     void finish() override {
         inner_->finish();
         inner_.reset();
-        if (target_ == "-") {
-            CopyToStdout();
+        if (copy_) {
+            CopyOut();
         } else {
             fchmod(fd_, 0644 & ~CurrentUmask());
             // A file being replaced is flushed first, so a crash leaves the
@@ -90,7 +91,13 @@ private:
         throw Failure("no output format");
     }
 
-    void CopyToStdout() {
+    void CopyOut() {
+        const int out = target_ == "-" ? STDOUT_FILENO : open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+        if (out < 0) throw Failure("cannot write the file: " + std::string(strerror(errno)));
+        const struct Closer {
+            int fd;
+            ~Closer() { if (fd != STDOUT_FILENO) close(fd); }
+        } closer{out};
         if (lseek(fd_, 0, SEEK_SET) != 0) throw Failure("cannot rewind the temporary file");
         char buf[1 << 16];
         for (;;) {
@@ -98,8 +105,10 @@ private:
             if (n < 0) throw Failure("cannot read the temporary file");
             if (n == 0) break;
             for (ssize_t done = 0; done < n;) {
-                const ssize_t w = ::write(STDOUT_FILENO, buf + done, static_cast<size_t>(n - done));
-                if (w < 0) throw Failure("cannot write to standard output: " + std::string(strerror(errno)));
+                const ssize_t w = ::write(out, buf + done, static_cast<size_t>(n - done));
+                if (w < 0)
+                    throw Failure((target_ == "-" ? "cannot write to standard output: " : "cannot write the file: ") +
+                                  std::string(strerror(errno)));
                 done += w;
             }
         }
@@ -114,6 +123,7 @@ private:
     }
 
     std::string target_, temp_;
+    bool copy_;
     int fd_ = -1;
     std::unique_ptr<Writer> inner_;
 };
@@ -191,5 +201,18 @@ std::unique_ptr<Reader> OpenReader(const std::string& path, FileFormat f, int fr
 }
 
 std::unique_ptr<Writer> OpenWriter(const WriteSpec& spec) { return std::make_unique<SafeOutput>(spec); }
+
+bool IsSpecialFile(const std::string& path) {
+    struct stat st;
+    return stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode);
+}
+
+FILE* OutputStream(int fd) {
+    const int copy = dup(fd);
+    FILE* f = copy < 0 ? nullptr : fdopen(copy, "wb");
+    if (f) return f;
+    if (copy >= 0) close(copy);
+    throw Failure("cannot open the output");
+}
 
 }  // namespace ktcli

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -66,6 +67,12 @@ const char* FormatExtension(FileFormat f);
 std::unique_ptr<Reader> OpenReader(const std::string& path, FileFormat f, int from, int rawWidth, int rawHeight);
 // Writes to a temporary file beside spec.path; finish() renames it over.
 std::unique_ptr<Writer> OpenWriter(const WriteSpec& spec);
+// A stdio stream on a copy of a writer's descriptor `fd`, which stays open.
+FILE* OutputStream(int fd);
+
+// True for an existing target that is not a regular file (a device, a pipe):
+// outputs are written into it, never renamed over it.
+bool IsSpecialFile(const std::string& path);
 // Which formats can hold a space (message for the caller when not).
 bool FormatHolds(FileFormat f, int space);
 

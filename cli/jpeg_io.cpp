@@ -1,8 +1,6 @@
 // JPEG through libjpeg-turbo: RGB (grey expanded) or CMYK out (Adobe's
 // inverted CMYK put right; YCCK decoded to CMYK); RGB in, with the profile
 // in APP2 segments.
-#include <unistd.h>
-
 #include <csetjmp>
 #include <cstdio>
 
@@ -26,97 +24,105 @@ void OnError(j_common_ptr cinfo) {
     longjmp(e->jump, 1);
 }
 
-void InitErrors(ErrorManager* e) {
-    jpeg_std_error(&e->base);
-    e->base.error_exit = OnError;
-    e->base.output_message = [](j_common_ptr) {};
-}
+// The file and the codec object of a reader or a writer. Guarded runs
+// libjpeg calls with the error jump set in its own frame, which stays alive
+// while they run: an error, running out of memory in jpeg_create_* too,
+// leaves as a Failure. Warnings are quiet.
+template <class Codec>
+class JpegFile {
+protected:
+    void Attach(FILE* file, const char* failure) {
+        file_ = file;
+        if (!file_) throw Failure(failure);
+        jpeg_std_error(&err_.base);
+        err_.base.error_exit = OnError;
+        err_.base.output_message = [](j_common_ptr) {};
+        codec_.err = &err_.base;
+    }
+    template <class F>
+    void Guarded(const char* failure, F&& calls) {
+        if (setjmp(err_.jump)) throw Failure(failure + std::string(err_.message));
+        calls();
+    }
+    ~JpegFile() {
+        jpeg_destroy(reinterpret_cast<j_common_ptr>(&codec_));  // safe on a half-made object
+        if (file_) fclose(file_);
+    }
 
-class JpegReader : public Reader {
+    FILE* file_ = nullptr;
+    ErrorManager err_{};
+    Codec codec_{};
+};
+
+class JpegReader : public Reader, JpegFile<jpeg_decompress_struct> {
 public:
     void Open(const std::string& path) {
-        file_ = fopen(path.c_str(), "rb");
-        if (!file_) throw Failure("cannot open the file");
-        InitErrors(&err_);
-        cinfo_.err = &err_.base;
-        jpeg_create_decompress(&cinfo_);
-        if (setjmp(err_.jump)) throw Failure(std::string("not a readable JPEG: ") + err_.message);
-        jpeg_stdio_src(&cinfo_, file_);
-        jpeg_read_header(&cinfo_, TRUE);
-        const bool four = cinfo_.num_components == 4;
-        cinfo_.out_color_space = four ? JCS_CMYK : JCS_RGB;
-        jpeg_start_decompress(&cinfo_);
-        invert_ = four && cinfo_.saw_Adobe_marker;
-        info_.width = static_cast<int>(cinfo_.output_width);
-        info_.height = static_cast<int>(cinfo_.output_height);
+        Attach(fopen(path.c_str(), "rb"), "cannot open the file");
+        Guarded("not a readable JPEG: ", [this] {
+            jpeg_create_decompress(&codec_);
+            jpeg_stdio_src(&codec_, file_);
+            jpeg_read_header(&codec_, TRUE);
+            codec_.out_color_space = codec_.num_components == 4 ? JCS_CMYK : JCS_RGB;
+            jpeg_start_decompress(&codec_);
+        });
+        const bool four = codec_.num_components == 4;
+        invert_ = four && codec_.saw_Adobe_marker;
+        info_.width = static_cast<int>(codec_.output_width);
+        info_.height = static_cast<int>(codec_.output_height);
         info_.space = four ? CS_CMYK : CS_RGB;
         info_.spaceKnown = true;
     }
-    ~JpegReader() override {
-        jpeg_destroy_decompress(&cinfo_);
-        if (file_) fclose(file_);
-    }
     void read(uint8_t* out, int rows) override {
-        if (setjmp(err_.jump)) throw Failure(std::string("JPEG data broken: ") + err_.message);
-        const size_t stride = static_cast<size_t>(info_.width) * cinfo_.output_components;
-        for (int y = 0; y < rows; ++y) {
-            JSAMPROW row = out + y * stride;
-            jpeg_read_scanlines(&cinfo_, &row, 1);
-            if (invert_)
-                for (size_t i = 0; i < stride; ++i) row[i] = static_cast<uint8_t>(255 - row[i]);
-        }
+        Guarded("JPEG data broken: ", [&] {
+            const size_t stride = static_cast<size_t>(info_.width) * codec_.output_components;
+            for (int y = 0; y < rows; ++y) {
+                JSAMPROW row = out + y * stride;
+                jpeg_read_scanlines(&codec_, &row, 1);
+                if (invert_)
+                    for (size_t i = 0; i < stride; ++i) row[i] = static_cast<uint8_t>(255 - row[i]);
+            }
+        });
     }
 
 private:
-    FILE* file_ = nullptr;
-    ErrorManager err_{};
-    jpeg_decompress_struct cinfo_{};
     bool invert_ = false;
 };
 
-class JpegWriter : public Writer {
+class JpegWriter : public Writer, JpegFile<jpeg_compress_struct> {
 public:
     void Open(const WriteSpec& spec, int fd) {
-        file_ = fdopen(dup(fd), "wb");
-        if (!file_) throw Failure("cannot open the output");
-        InitErrors(&err_);
-        cinfo_.err = &err_.base;
-        jpeg_create_compress(&cinfo_);
-        if (setjmp(err_.jump)) throw Failure(std::string("JPEG writing failed: ") + err_.message);
-        jpeg_stdio_dest(&cinfo_, file_);
-        cinfo_.image_width = static_cast<JDIMENSION>(spec.width);
-        cinfo_.image_height = static_cast<JDIMENSION>(spec.height);
-        cinfo_.input_components = 3;
-        cinfo_.in_color_space = JCS_RGB;
-        jpeg_set_defaults(&cinfo_);
-        jpeg_set_quality(&cinfo_, spec.quality, TRUE);
-        jpeg_start_compress(&cinfo_, TRUE);
-        if (!spec.icc.empty())
-            jpeg_write_icc_profile(&cinfo_, spec.icc.data(), static_cast<unsigned>(spec.icc.size()));
-    }
-    ~JpegWriter() override {
-        jpeg_destroy_compress(&cinfo_);
-        if (file_) fclose(file_);
+        Attach(OutputStream(fd), "cannot open the output");
+        Guarded(kFailed, [&] {
+            jpeg_create_compress(&codec_);
+            jpeg_stdio_dest(&codec_, file_);
+            codec_.image_width = static_cast<JDIMENSION>(spec.width);
+            codec_.image_height = static_cast<JDIMENSION>(spec.height);
+            codec_.input_components = 3;
+            codec_.in_color_space = JCS_RGB;
+            jpeg_set_defaults(&codec_);
+            jpeg_set_quality(&codec_, spec.quality, TRUE);
+            jpeg_start_compress(&codec_, TRUE);
+            if (!spec.icc.empty())
+                jpeg_write_icc_profile(&codec_, spec.icc.data(), static_cast<unsigned>(spec.icc.size()));
+        });
     }
     void write(const uint8_t* rows, int count) override {
-        if (setjmp(err_.jump)) throw Failure(std::string("JPEG writing failed: ") + err_.message);
-        for (int y = 0; y < count; ++y) {
-            JSAMPROW row = const_cast<uint8_t*>(rows) + static_cast<size_t>(y) * cinfo_.image_width * 3;
-            jpeg_write_scanlines(&cinfo_, &row, 1);
-        }
+        Guarded(kFailed, [&] {
+            for (int y = 0; y < count; ++y) {
+                JSAMPROW row = const_cast<uint8_t*>(rows) + static_cast<size_t>(y) * codec_.image_width * 3;
+                jpeg_write_scanlines(&codec_, &row, 1);
+            }
+        });
     }
     void finish() override {
-        if (setjmp(err_.jump)) throw Failure(std::string("JPEG writing failed: ") + err_.message);
-        jpeg_finish_compress(&cinfo_);
+        Guarded(kFailed, [this] { jpeg_finish_compress(&codec_); });
         FILE* f = file_;
         file_ = nullptr;
         if (fclose(f) != 0) throw Failure("writing the output failed");
     }
 
 private:
-    FILE* file_ = nullptr;
-    ErrorManager err_{};
-    jpeg_compress_struct cinfo_{};
+    static constexpr char kFailed[] = "JPEG writing failed: ";
 };
 
 }  // namespace

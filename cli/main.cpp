@@ -37,13 +37,12 @@ void CheckConvert(ConvertOptions& o, const std::string& to, const std::string& f
     if (!method.empty()) {
         Method m;
         if (!MethodByName(method, &m))
-            throw Usage("--method: unknown method '" + method + "'; methods: builtin, icc, custom-icc, emulation, custom-emulation");
+            throw Usage("--method: unknown method '" + method + "'; methods: " + MethodNames());
         o.method = m;
     }
     if (!intent.empty()) {
-        const char* const names[] = {"perceptual", "relative", "saturation", "absolute"};
         for (int i = 0; i < 4; ++i)
-            if (intent == names[i]) o.intent = i;
+            if (intent == kIntentNames[i]) o.intent = i;
         if (o.intent < 0) throw Usage("--intent: one of perceptual, relative, saturation, absolute");
     }
     if (!size.empty() && sscanf(size.c_str(), "%dx%d", &o.rawWidth, &o.rawHeight) != 2)

@@ -1,7 +1,6 @@
 // PNG through libpng: 8-bit RGB out of every colour type (palette, grey and
 // 16-bit samples expanded, alpha dropped); RGB rows in, with an iCCP chunk.
 #include <png.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csetjmp>
@@ -77,8 +76,7 @@ class PngWriter : public Writer {
 public:
     void Open(const WriteSpec& spec, int fd) {
         width_ = spec.width;
-        file_ = fdopen(dup(fd), "wb");
-        if (!file_) throw Failure("cannot open the output");
+        file_ = OutputStream(fd);
         png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &error_, PngError, PngWarning);
         info_ = png_create_info_struct(png_);
         if (setjmp(png_jmpbuf(png_))) throw Failure("PNG writing failed: " + error_);

@@ -28,11 +28,18 @@ Bytes LoadFromImage(const std::string& image) {
 }
 
 // Writes the bytes to a temporary file beside `path`, renamed over it when
-// complete; "-" is standard output.
+// complete; "-" is standard output; a device or a pipe is written directly.
 void WriteWhole(const std::string& path, const Bytes& bytes) {
     if (path == "-") {
         if (fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() || fflush(stdout) != 0)
             throw Failure("cannot write to standard output");
+        return;
+    }
+    if (IsSpecialFile(path)) {
+        const int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        const bool ok = fd >= 0 && write(fd, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+        if (fd >= 0) close(fd);
+        if (!ok) throw Failure(std::string("cannot write the file: ") + strerror(errno), ERR_FILE_WRITE);
         return;
     }
     std::string temp = path + ".ktclr-XXXXXX";
@@ -112,7 +119,7 @@ int ListSpaces() {
     printf("%-8s %4s %5s  %s\n", "space", "id", "bits", "bytes of a pixel");
     for (int i = 0; i < count; ++i) printf("%-8s %4d %5d  %s\n", all[i].name, all[i].id, all[i].bits, all[i].layout);
     printf("\nmethods and the pairs they convert:\n");
-    for (Method m : {Method::Builtin, Method::Icc, Method::CustomIcc, Method::Emulation, Method::CustomEmulation}) {
+    for (Method m : kMethods) {
         std::string pairs;
         int served = 0;
         for (int a = 0; a < count; ++a)

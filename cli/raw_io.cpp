@@ -32,7 +32,7 @@ std::vector<Piece> Pieces(int space, int width, int height, int row0, int rows) 
 
 class RawReader : public Reader {
 public:
-    RawReader(const std::string& path, int space, int width, int height) {
+    void Open(const std::string& path, int space, int width, int height) {
         info_ = {width, height, space, true};
         fd_ = open(path.c_str(), O_RDONLY);
         if (fd_ < 0) throw Failure("cannot open the file");
@@ -40,7 +40,9 @@ public:
         if (lseek(fd_, 0, SEEK_END) < need)
             throw Failure("the file is shorter than " + std::to_string(need) + " bytes of " + SpaceById(space)->name);
     }
-    ~RawReader() override { close(fd_); }
+    ~RawReader() override {
+        if (fd_ >= 0) close(fd_);
+    }
     void read(uint8_t* out, int rows) override {
         for (const Piece& p : Pieces(info_.space, info_.width, info_.height, next_, rows))
             if (pread(fd_, out + p.buffer, p.length, p.file) != static_cast<ssize_t>(p.length))
@@ -73,7 +75,7 @@ private:
 }  // namespace
 
 std::unique_ptr<Reader> OpenRawReader(const std::string& path, int space, int width, int height) {
-    return std::make_unique<RawReader>(path, space, width, height);
+    return Opened<RawReader>(path, space, width, height);
 }
 std::unique_ptr<Writer> OpenRawWriter(const WriteSpec& spec, int fd) { return std::make_unique<RawWriter>(spec, fd); }
 

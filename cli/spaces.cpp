@@ -72,13 +72,19 @@ const char* MethodName(Method m) {
 }
 
 bool MethodByName(const std::string& name, Method* m) {
-    for (Method c : {Method::Builtin, Method::Icc, Method::CustomIcc, Method::Emulation, Method::CustomEmulation}) {
+    for (Method c : kMethods) {
         if (name == MethodName(c)) {
             *m = c;
             return true;
         }
     }
     return false;
+}
+
+std::string MethodNames() {
+    std::string all;
+    for (Method c : kMethods) all += (all.empty() ? "" : ", ") + std::string(MethodName(c));
+    return all;
 }
 
 unsigned MethodBit(Method m) {
@@ -111,7 +117,7 @@ bool Serves(Method m, int src, int dst) {
 
 std::string ServingMethods(int src, int dst) {
     std::string all;
-    for (Method c : {Method::Builtin, Method::Icc, Method::CustomIcc, Method::Emulation, Method::CustomEmulation})
+    for (Method c : kMethods)
         if (Serves(c, src, dst)) all += (all.empty() ? "" : ", ") + std::string(MethodName(c));
     return all;
 }

@@ -22,8 +22,14 @@ std::string SpaceNames();  // "rgb, yuv, ..." for messages
 size_t RowBytes(int space, int width);
 
 enum class Method { Builtin, Icc, CustomIcc, Emulation, CustomEmulation };
+inline constexpr Method kMethods[] = {Method::Builtin, Method::Icc, Method::CustomIcc, Method::Emulation,
+                                      Method::CustomEmulation};
 const char* MethodName(Method m);
 bool MethodByName(const std::string& name, Method* m);
+std::string MethodNames();  // "builtin, icc, ..." for messages
+
+// Rendering intents by their command-line names, in ICC order (0 to 3).
+inline constexpr const char* kIntentNames[] = {"perceptual", "relative", "saturation", "absolute"};
 unsigned MethodBit(Method m);
 
 // Whether a method converts src -> dst, as the tool drives it.

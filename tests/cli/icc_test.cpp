@@ -2,6 +2,7 @@
 // and intent, embedded profiles read by exiftool, and the profile commands.
 #include <cstdlib>
 #include <string>
+#include <tuple>
 
 #include "tool_runner.h"
 
@@ -10,34 +11,26 @@ namespace {
 
 using IccTest = ToolTest;
 
-constexpr char kAdobe[] = "/usr/share/color/icc/compatibleWithAdobeRGB1998.icc";
+const std::string kAdobe = "/usr/share/color/icc/compatibleWithAdobeRGB1998.icc";
 
 // Both tools run lcms2 with the same profiles, intent and flags (none), so
 // the pixels are equal: ImageMagick counts the differing ones.
 TEST_F(IccTest, SameAsTificc) {
-    Ok("$KTCLR profile builtin rgb rgb.icc && $KTCLR profile builtin cmyk cmyk.icc");
-    Ok("$KTCLR convert \"$CHART\" --to rgb -o chart.tif");
-    struct Row {
-        std::string ours;    // convert arguments after the input
-        std::string tificc;  // tificc arguments before the input
-        const char* input;
-    };
-    const Row rows[] = {
+    Ok("$KTCLR profile builtin rgb rgb.icc && $KTCLR profile builtin cmyk cmyk.icc && "
+       "$KTCLR convert \"$CHART\" --to rgb -o chart.tif && tificc -i rgb.icc -o cmyk.icc chart.tif ref-cmyk.tif 2>/dev/null");
+    const std::tuple<std::string, std::string, const char*> rows[] = {  // our arguments, tificc's, the input
         {"--to cmyk", "-i rgb.icc -o cmyk.icc -t 0", "chart.tif"},
         {"--to cmyk --intent relative", "-i rgb.icc -o cmyk.icc -t 1", "chart.tif"},
         {"--to cmyk --intent saturation", "-i rgb.icc -o cmyk.icc -t 2", "chart.tif"},
-        {"--to cmyk --src-profile " + std::string(kAdobe), "-i " + std::string(kAdobe) + " -o cmyk.icc -t 0", "chart.tif"},
+        {"--to cmyk --src-profile " + kAdobe, "-i " + kAdobe + " -o cmyk.icc -t 0", "chart.tif"},
         {"--to rgb", "-i cmyk.icc -o rgb.icc -t 0", "ref-cmyk.tif"},
-        {"--to rgb --dst-profile " + std::string(kAdobe) + " --intent relative",
-         "-i cmyk.icc -o " + std::string(kAdobe) + " -t 1", "ref-cmyk.tif"},
+        {"--to rgb --dst-profile " + kAdobe + " --intent relative", "-i cmyk.icc -o " + kAdobe + " -t 1", "ref-cmyk.tif"},
     };
-    Ok("tificc -i rgb.icc -o cmyk.icc -t 0 chart.tif ref-cmyk.tif 2>/dev/null");
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.ours);
-        Ok("$KTCLR convert " + std::string(r.input) + " " + r.ours + " -o ours.tif");
-        Ok("tificc " + r.tificc + " " + r.input + " theirs.tif 2>/dev/null");
-        const Outcome diff = Sh("compare -metric AE ours.tif theirs.tif null:");
-        EXPECT_EQ(diff.err, "0") << "pixels that differ";
+    for (const auto& [ours, tificc, input] : rows) {
+        SCOPED_TRACE(ours);
+        Ok("$KTCLR convert " + std::string(input) + " " + ours + " -o ours.tif");
+        Ok("tificc " + tificc + " " + input + " theirs.tif 2>/dev/null");
+        EXPECT_EQ(Sh("compare -metric AE ours.tif theirs.tif null:").err, "0") << "pixels that differ";
     }
 }
 
@@ -49,77 +42,59 @@ TEST_F(IccTest, LabAsTificcWithinOne) {
        "$KTCLR convert \"$CHART\" --to rgb -o chart.tif && tificc -i rgb.icc -o lab.icc chart.tif theirs.tif");
     Ok("$KTCLR convert chart.tif --to lab -o ours.tif && $KTCLR convert ours.tif --to lab -o ours.raw && "
        "$KTCLR convert theirs.tif --to lab -o theirs.raw");
-    const std::string ours = Slurp(Path("ours.raw")), theirs = Slurp(Path("theirs.raw"));
+    const std::string ours = Slurp("ours.raw"), theirs = Slurp("theirs.raw");
     ASSERT_EQ(ours.size(), theirs.size());
     for (size_t i = 0; i < ours.size(); ++i) ASSERT_LE(std::abs(ours[i] - theirs[i]), 1) << "byte " << i;
     EXPECT_EQ(Ok("exiftool -b -icc_profile ours.tif"), "");
 }
 
-// The destination profile travels with the output, intent and all.
-TEST_F(IccTest, EmbeddedProfileReadByExiftool) {
-    Ok("$KTCLR profile builtin cmyk cmyk.icc");
-    Ok("$KTCLR convert \"$CHART\" --to cmyk -o a.tif && exiftool -b -icc_profile a.tif > a.icc");
-    EXPECT_EQ(Slurp(Path("a.icc")), Slurp(Path("cmyk.icc")));
-    Ok("$KTCLR convert \"$CHART\" --to cmyk --intent absolute -o b.tif");
-    EXPECT_NE(Ok("exiftool -RenderingIntent b.tif").find("ICC-Absolute Colorimetric"), std::string::npos);
-    for (const char* file : {"c.png", "c.jpg", "c.webp"}) {
-        Ok(std::string("$KTCLR convert \"$CHART\" --to rgb --dst-profile ") + kAdobe + " -o " + file);
-        EXPECT_EQ(Ok(std::string("exiftool -b -icc_profile ") + file), Slurp(kAdobe)) << file;
-    }
-    Ok("$KTCLR convert \"$CHART\" --to hsv -o d.tif");  // no ICC method, no profile
-    EXPECT_EQ(Ok("exiftool -b -icc_profile d.tif"), "");
-}
-
-// The CMY profile the library hands out says it is shorter than its bytes;
-// the written file's header covers them, so readers take every tag.
-TEST_F(IccTest, BuiltinProfilesAreWholeFiles) {
-    for (const char* name : {"rgb", "lab", "cmyk", "cmy"}) {
+// Each built-in profile is a whole file (the CMY profile the library hands
+// out says it is shorter than its bytes; the written header covers them)
+// that exiftool reads without a warning; profile info prints its header and
+// tags, as text and as JSON.
+TEST_F(IccTest, BuiltinProfilesAndTheirInfo) {
+    for (const char* name : {"lab", "cmyk", "cmy", "rgb"}) {
         SCOPED_TRACE(name);
         Ok(std::string("$KTCLR profile builtin ") + name + " p.icc");
-        const std::string bytes = Slurp(Path("p.icc"));
-        ASSERT_GE(bytes.size(), 128u);
-        const uint32_t declared = (uint8_t(bytes[0]) << 24) | (uint8_t(bytes[1]) << 16) | (uint8_t(bytes[2]) << 8) | uint8_t(bytes[3]);
-        EXPECT_EQ(declared, bytes.size());
+        EXPECT_EQ(Ok("head -c 4 p.icc | od -An -tu4 --endian=big | tr -d ' '"), Ok("stat -c %s p.icc"));
         const Outcome r = Sh("exiftool -validate -warning -ProfileCopyright p.icc");
         EXPECT_NE(r.out.find("Profile Copyright"), std::string::npos) << r.out;
         EXPECT_EQ(r.out.find("Warning"), std::string::npos) << r.out;
     }
+    ExpectParts(Ok("$KTCLR profile info p.icc"),  // the last, rgb
+                "class             mntr (display device)|color space       RGB |rXYZ   XYZ |rTRC   curv|wtpt   XYZ ");
+    const std::string json = Ok("$KTCLR profile info --json p.icc | python3 -c "
+                                "'import json,sys; d=json.load(sys.stdin); print(d[\"header\"][\"class\"], len(d[\"tags\"]))'");
+    EXPECT_EQ(json, "mntr (display device) " + Ok("$KTCLR profile info p.icc | grep -cE '^  .{4} +.{4} +[0-9]+ +[0-9]+ '"));
 }
 
-// Profiles in image files: a profile the input embeds is the source
-// profile (tificc does the same), extract gives its bytes back, embed puts
-// one in place and keeps the pixels.
+// The destination profile travels with the output, intent and all, read by
+// exiftool (no ICC method, no profile); a profile the input embeds is the
+// source profile (tificc does the same); extract gives its bytes back;
+// embed puts one in place and keeps the pixels.
 TEST_F(IccTest, ProfilesInImageFiles) {
-    const std::string adobe = kAdobe;
-    Ok("$KTCLR profile builtin cmyk cmyk.icc");
-    Ok("$KTCLR convert \"$CHART\" --to rgb --dst-profile " + adobe + " -o adobe.png && convert adobe.png adobe.tif");
-    for (const char* image : {"adobe.png", "adobe.tif"}) {
-        SCOPED_TRACE(image);
-        EXPECT_NE(Ok(std::string("$KTCLR profile info ") + image).find("Compatible with Adobe RGB"), std::string::npos);
-        Ok(std::string("$KTCLR profile extract ") + image + " x.icc");
-        EXPECT_EQ(Slurp(Path("x.icc")), Slurp(adobe));
+    Ok("$KTCLR profile builtin cmyk cmyk.icc && : > none");
+    const std::tuple<std::string, const char*, std::string> rows[] = {  // arguments, output, profile it holds
+        {"--to cmyk", "a.tif", "cmyk.icc"}, {"--to hsv", "d.tif", "none"},
+        {"--to rgb --dst-profile " + kAdobe, "c.png", kAdobe}, {"--to rgb --dst-profile " + kAdobe, "c.jpg", kAdobe},
+        {"--to rgb --dst-profile " + kAdobe, "c.webp", kAdobe},
+    };
+    for (const auto& [args, file, profile] : rows) {
+        Ok("$KTCLR convert \"$CHART\" " + args + " -o " + file);
+        EXPECT_EQ(Ok(std::string("exiftool -b -icc_profile ") + file), Slurp(profile)) << file;
     }
+    Ok("$KTCLR convert \"$CHART\" --to cmyk --intent absolute -o b.tif");
+    EXPECT_NE(Ok("exiftool -RenderingIntent b.tif").find("ICC-Absolute Colorimetric"), std::string::npos);
+    Ok("convert c.png adobe.tif");
+    for (const char* image : {"c.png", "adobe.tif"})  // what the profile commands read from images
+        Ok(std::string("$KTCLR profile extract ") + image + " x.icc && cmp x.icc " + kAdobe + " && $KTCLR profile info " +
+           image + " | grep -q 'Compatible with Adobe RGB'");
     Ok("$KTCLR convert adobe.tif --to cmyk -o ours.tif && tificc -o cmyk.icc adobe.tif theirs.tif 2>/dev/null");
     EXPECT_EQ(Sh("compare -metric AE ours.tif theirs.tif null:").err, "0");
     Ok("$KTCLR convert \"$CHART\" --to rgb -o e.jpg && $KTCLR convert \"$CHART\" --to cmyk -o e.tif --method builtin");
-    for (const char* image : {"e.jpg", "e.tif"}) {
-        SCOPED_TRACE(image);
-        Ok(std::string("cp ") + image + " before && $KTCLR profile embed " + image + " " + adobe + " --backup kept");
-        EXPECT_EQ(Ok(std::string("exiftool -b -icc_profile ") + image), Slurp(adobe));
-        EXPECT_EQ(Slurp(Path("kept")), Slurp(Path("before")));
-        EXPECT_EQ(Sh(std::string("compare -metric AE before ") + image + " null:").err, "0");
-    }
-}
-
-TEST_F(IccTest, ProfileInfoTextAndJson) {
-    Ok("$KTCLR profile builtin rgb rgb.icc");
-    const std::string text = Ok("$KTCLR profile info rgb.icc");
-    for (const char* want : {"class             mntr (display device)", "color space       RGB ", "rXYZ   XYZ ",
-                             "rTRC   curv", "wtpt   XYZ "})
-        EXPECT_NE(text.find(want), std::string::npos) << want << "\n" << text;
-    const std::string json = Ok("$KTCLR profile info --json rgb.icc | python3 -c "
-                                "'import json,sys; d=json.load(sys.stdin); print(d[\"header\"][\"class\"], len(d[\"tags\"]))'");
-    EXPECT_EQ(json, "mntr (display device) " + Ok("$KTCLR profile info rgb.icc | grep -cE '^  .{4} +.{4} +[0-9]+ +[0-9]+ '"));
+    for (const char* image : {"e.jpg", "e.tif"})  // embedded, the original kept, the pixels the same
+        Ok(std::string("cp ") + image + " before && $KTCLR profile embed " + image + " " + kAdobe + " --backup kept && "
+           "cmp kept before && exiftool -b -icc_profile " + image + " | cmp - " + kAdobe + " && compare -metric AE before " + image + " null:");
 }
 
 }  // namespace

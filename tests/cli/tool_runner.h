@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <unistd.h>
 #include <filesystem>
@@ -11,7 +12,6 @@
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
-#include <vector>
 
 namespace ktcli::test {
 
@@ -20,18 +20,12 @@ struct Outcome {
     std::string out, err;
 };
 
-inline std::string Slurp(const std::filesystem::path& p) {
-    std::ifstream f(p, std::ios::binary);
-    std::ostringstream s;
-    s << f.rdbuf();
-    return s.str();
-}
-
-inline std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream s(text);
-    for (std::string l; std::getline(s, l);) lines.push_back(l);
-    return lines;
+// Expects each of the '|'-separated parts of `wanted` in `text`.
+inline void ExpectParts(const std::string& text, const std::string& wanted) {
+    for (size_t at = 0, bar; at <= wanted.size(); at = bar + 1) {
+        bar = std::min(wanted.find('|', at), wanted.size());
+        EXPECT_NE(text.find(wanted.substr(at, bar - at)), std::string::npos) << wanted.substr(at, bar - at) << "\n" << text;
+    }
 }
 
 class ToolTest : public ::testing::Test {
@@ -42,18 +36,17 @@ protected:
                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
         std::filesystem::remove_all(dir_);
         std::filesystem::create_directories(dir_);
-        tool_ = KTCLR_TOOL_PATH;
-        chart_ = std::string(KTCLR_SOURCE_PATH) + "/data/chart.png";
+        setenv("KTCLR", KTCLR_TOOL_PATH, 1);
+        setenv("CHART", KTCLR_SOURCE_PATH "/data/chart.png", 1);
     }
     void TearDown() override { std::filesystem::remove_all(dir_); }
 
     // Runs a shell command line in the scratch folder; $KTCLR is the built
     // tool and $CHART the project's color chart.
     Outcome Sh(const std::string& cmd) const {
-        const std::string full = "cd '" + dir_.string() + "' && KTCLR='" + tool_ + "' CHART='" + chart_ + "' " +
-                                 "sh -c '" + Escape(cmd) + "' > .out 2> .err < /dev/null";
+        const std::string full = "cd '" + dir_.string() + "' && (" + cmd + "\n) > .out 2> .err < /dev/null";
         const int raw = std::system(full.c_str());
-        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(dir_ / ".out"), Slurp(dir_ / ".err")};
+        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(".out"), Slurp(".err")};
     }
     // Runs and expects success.
     std::string Ok(const std::string& line) const {
@@ -61,17 +54,15 @@ protected:
         EXPECT_EQ(r.status, 0) << line << "\n" << r.err;
         return r.out;
     }
-    std::filesystem::path Path(const std::string& name) const { return dir_ / name; }
+    // The bytes of a file, by its name in the scratch folder or its full path.
+    std::string Slurp(const std::string& name) const {
+        std::ifstream f(dir_ / name, std::ios::binary);
+        std::ostringstream s;
+        s << f.rdbuf();
+        return s.str();
+    }
 
     std::filesystem::path dir_;
-    std::string tool_, chart_;
-
-private:
-    static std::string Escape(const std::string& s) {
-        std::string out;
-        for (char c : s) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-        return out;
-    }
 };
 
 }  // namespace ktcli::test
