@@ -38,6 +38,10 @@ struct Fixture {
     std::uint8_t pixels[4 * 64] = {};
     std::uint8_t out[4 * 64] = {};
     BitmapHandle bitmap{};
+    CmykOptions cmyk = test::Cmyk(100);
+    YuvOptions yuv = test::Yuv(raw, 4);
+    LabOptions lab = test::Lab(1);
+    IccOptions icc{{1, 2, 3, 4, 5}};
 
     Fixture() {
         Vx_InitICCProfile(&profile, KTCLR_SIZEOF_ICC_PROFILE_RECORD);
@@ -54,6 +58,16 @@ struct Fixture {
         t.bytes = raw;
         t.byteCount = count;
         return t;
+    }
+    // Parameters pointing at every option record; a pair reads only its
+    // own sides' records.
+    ConversionParams WithRecords(std::uint32_t method, std::uint32_t prepare = 0) {
+        ConversionParams p = Params(method, prepare);
+        p.cmykOptions = &cmyk;
+        p.yuvOptions = &yuv;
+        p.labOptions = &lab;
+        p.iccOptions = &icc;
+        return p;
     }
     KtStatus Init(int src, int dst, ConversionParams* p) { return Vx_ClrInit(&handle, src, dst, p); }
     std::u16string File(const char* name) { return test::Wide(dir.File(name)); }
@@ -95,25 +109,26 @@ Samples& TheSamples() {
     return samples;
 }
 
-KtStatus CustomFromFile(Fixture& f, ConversionParams& p) {
+// Set-ups: the press profile as a custom source by file; the JPEG file and
+// the profile file; a 3 x 2 bitmap of 24-bit pixels.
+ConversionParams CustomFromFile(Fixture& f, std::uint32_t method) {
+    ConversionParams p = Params(method);
     test::SetPath(p.srcProfilePath, f.dir.Write("press.icc", TheSamples().press));
-    return STATUS_OK;
+    return p;
 }
-
+void Jpeg(Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }
+void IccFile(Fixture& f) { f.dir.Write("in.icc", TheSamples().tagged); }
+void WithBitmap(Fixture& f) { Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 3, 2, 24, VX_BMP_ORDER_BGR); }
 // A saving row's set-up: a JPEG file to save into, and the tagged profile.
 void JpegAndProfile(Fixture& f) {
-    f.dir.Write("in.jpg", TheSamples().jpeg);
+    Jpeg(f);
     Tagged(f);
 }
-
 // What a failed save must leave: the file byte for byte.
 void SameJpeg(Fixture& f) {
     const test::Bytes& jpeg = TheSamples().jpeg;
     EXPECT_EQ(test::ReadFile(f.dir.File("in.jpg")), std::string(jpeg.begin(), jpeg.end()));
 }
-
-// A 3 x 2 bitmap of 24-bit pixels.
-void WithBitmap(Fixture& f) { Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 3, 2, 24, VX_BMP_ORDER_BGR); }
 
 ConversionParamsA NarrowParams(std::uint32_t method, std::uint32_t prepare) {
     ConversionParamsA a;
@@ -136,73 +151,72 @@ struct Row {
     std::function<void(Fixture&)> after = [](Fixture&) {};
 };
 
+// Vx_ClrInit of a pair with the option records, under a method.
+Row Init(const char* name, int src, int dst, std::uint32_t method = METHOD_BUILTIN) {
+    return {name, ERR_ALLOC, [=](Fixture& f) {
+                ConversionParams p = f.WithRecords(method);
+                return f.Init(src, dst, &p);
+            }};
+}
+
+// Vx_ClrSetConversionParams with the option records on a handle made
+// without parameters.
+Row Set(const char* name, int src, int dst, std::uint32_t mask) {
+    return {name, ERR_ALLOC,
+            [=](Fixture& f) {
+                ConversionParams p = f.WithRecords(0, mask);
+                return Vx_ClrSetConversionParams(f.handle, &p);
+            },
+            [=](Fixture& f) { f.Init(src, dst, nullptr); }};
+}
+
+// A tag of the tagged profile handed out, read or taken away, then freed.
+Row TagOut(const char* name, std::uint32_t tag, std::uint32_t type, bool remove, KtStatus success = STATUS_OK) {
+    return {name, ERR_NO_MEMORY,
+            [=](Fixture& f) {
+                union {
+                    ICCXYZType xyz;
+                    ICCRawTagType raw;
+                } t{};
+                const KtStatus s = remove ? Vx_DeleteICCTag(&f.profile, tag, &t) : Vx_GetICCTagData(&f.profile, &t, tag);
+                Vx_FreeICCTagType(&t, type);
+                return s;
+            },
+            Tagged, success};
+}
+
+KtStatus FillFromTagged(Fixture& f) {
+    const test::Bytes& b = TheSamples().tagged;
+    return Vx_FillICCProfileStructure(&f.profile, b.data(), static_cast<std::uint32_t>(b.size()));
+}
+
 const Row kRows[] = {
     // Conversion handles.
     {"InitIdentity", ERR_ALLOC, [](Fixture& f) { return f.Init(7, 7, nullptr); }},
     {"InitWithoutParams", ERR_ALLOC, [](Fixture& f) { return f.Init(CS_YCCK, CS_BGR, nullptr); }},
-    {"InitCmykOptions", ERR_ALLOC, [](Fixture& f) {
-         ConversionParams p = Params(METHOD_BUILTIN);
-         CmykOptions cmyk = test::Cmyk(100);
-         p.cmykOptions = &cmyk;
-         return f.Init(CS_CMYK, CS_YCCK, &p);
-     }},
-    {"InitYuvOptions", ERR_ALLOC, [](Fixture& f) {
-         ConversionParams p = Params(METHOD_BUILTIN);
-         YuvOptions yuv = test::Yuv(f.raw, 4);
-         p.yuvOptions = &yuv;
-         return f.Init(CS_YUV, CS_BGR, &p);
-     }},
-    {"InitLabTables", ERR_ALLOC, [](Fixture& f) {
-         ConversionParams p = Params(METHOD_BUILTIN);
-         LabOptions lab = test::Lab(1);
-         p.labOptions = &lab;
-         return f.Init(CS_LAB, CS_RGB, &p);
-     }},
-    {"InitBuiltinIcc", ERR_ALLOC, [](Fixture& f) {
-         ConversionParams p = Params(METHOD_ICC);
-         return f.Init(CS_YCCK, CS_RGB, &p);
-     }},
+    Init("InitCmykOptions", CS_CMYK, CS_YCCK),
+    Init("InitYuvOptions", CS_YUV, CS_BGR),
+    Init("InitLabTables", CS_LAB, CS_RGB),
+    Init("InitBuiltinIcc", CS_YCCK, CS_RGB, METHOD_ICC),
     {"InitCustomIccFromMemory", ERR_ALLOC, [](Fixture& f) {
          ConversionParams p = Params(METHOD_CUSTOM_ICC, METHOD_CUSTOM_ICC | METHOD_ICC);
          p.srcProfileMemory = &TheSamples().memory;
          return f.Init(CS_CMYK, CS_BGR, &p);
      }},
     {"InitCustomIccFromFile", ERR_ALLOC, [](Fixture& f) {
-         ConversionParams p = Params(METHOD_CUSTOM_ICC);
-         CustomFromFile(f, p);
+         ConversionParams p = CustomFromFile(f, METHOD_CUSTOM_ICC);
          return f.Init(CS_CMYK, CS_RGB, &p);
      }},
-    {"SetParamsOptionsAndTables", ERR_ALLOC,
-     [](Fixture& f) {
-         CmykOptions cmyk = test::Cmyk(100);
-         LabOptions lab = test::Lab(1);
-         IccOptions icc{{1, 2, 3, 4, 5}};
-         ConversionParams p = Params(0, KTCLR_CHANGE_CMYK | KTCLR_CHANGE_LAB | KTCLR_CHANGE_ICC_OPTIONS);
-         p.cmykOptions = &cmyk;
-         p.labOptions = &lab;
-         p.iccOptions = &icc;
-         return Vx_ClrSetConversionParams(f.handle, &p);
-     },
-     [](Fixture& f) { f.Init(CS_CMYK, CS_LAB, nullptr); }},
-    {"SetParamsYuv", ERR_ALLOC,
-     [](Fixture& f) {
-         CmykOptions cmyk = test::Cmyk(100);
-         YuvOptions yuv = test::Yuv(f.raw, 4);
-         ConversionParams p = Params(0, KTCLR_CHANGE_CMYK | KTCLR_CHANGE_YUV);
-         p.cmykOptions = &cmyk;
-         p.yuvOptions = &yuv;
-         return Vx_ClrSetConversionParams(f.handle, &p);
-     },
-     [](Fixture& f) { f.Init(CS_CMYK, CS_YUV, nullptr); }},
+    Set("SetParamsOptionsAndTables", CS_CMYK, CS_LAB, KTCLR_CHANGE_CMYK | KTCLR_CHANGE_LAB | KTCLR_CHANGE_ICC_OPTIONS),
+    Set("SetParamsYuv", CS_CMYK, CS_YUV, KTCLR_CHANGE_CMYK | KTCLR_CHANGE_YUV),
     {"SetParamsCustomProfiles", ERR_ALLOC,
      [](Fixture& f) {
-         ConversionParams p = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
-         CustomFromFile(f, p);
+         ConversionParams p = CustomFromFile(f, 0);
+         p.prepareMethods = KTCLR_CHANGE_CUSTOM_PROFILES;
          return Vx_ClrSetConversionParams(f.handle, &p);
      },
      [](Fixture& f) {
-         ConversionParams p = Params(METHOD_CUSTOM_ICC);
-         CustomFromFile(f, p);
+         ConversionParams p = CustomFromFile(f, METHOD_CUSTOM_ICC);
          f.Init(CS_CMYK, CS_RGB, &p);
      }},
     {"ConvertIccFromYcck", ERR_ALLOC,
@@ -221,9 +235,8 @@ const Row kRows[] = {
      }},
     {"ClrSetConversionParamsA", ERR_ALLOC,
      [](Fixture& f) {
-         CmykOptions cmyk = test::Cmyk(100);
          ConversionParamsA a = NarrowParams(0, KTCLR_CHANGE_CMYK);
-         a.cmykOptions = &cmyk;
+         a.cmykOptions = &f.cmyk;
          return Vx_ClrSetConversionParamsA(f.handle, &a);
      },
      [](Fixture& f) { f.Init(CS_CMYK, CS_RGB, nullptr); }},
@@ -272,22 +285,8 @@ const Row kRows[] = {
          return Vx_SetICCTagData(&f.profile, &raw, Sig("cprt"), Sig("mmod"));
      },
      Tagged, WARN_UNKNOWN_TAG_TYPE},
-    {"GetICCTagData", ERR_NO_MEMORY,
-     [](Fixture& f) {
-         ICCXYZType t{};
-         const KtStatus s = Vx_GetICCTagData(&f.profile, &t, Sig("gXYZ"));
-         Vx_FreeICCTagType(&t, Sig("XYZ "));
-         return s;
-     },
-     Tagged},
-    {"GetICCTagDataRaw", ERR_NO_MEMORY,
-     [](Fixture& f) {
-         ICCRawTagType t{};
-         const KtStatus s = Vx_GetICCTagData(&f.profile, &t, Sig("desc"));
-         Vx_FreeICCTagType(&t, Sig("desc"));
-         return s;
-     },
-     Tagged, WARN_UNKNOWN_TAG_TYPE},
+    TagOut("GetICCTagData", Sig("gXYZ"), Sig("XYZ "), false),
+    TagOut("GetICCTagDataRaw", Sig("desc"), Sig("desc"), false, WARN_UNKNOWN_TAG_TYPE),
     {"CreateICCTagData", ERR_NO_MEMORY, [](Fixture& f) {
          ICCXYZType host = f.Xyz(3), file{};
          const KtStatus s = Vx_CreateICCTagData(&file, &host, Sig("XYZ "));
@@ -296,14 +295,7 @@ const Row kRows[] = {
      }},
     {"DeleteICCTag", ERR_NO_MEMORY, [](Fixture& f) { return Vx_DeleteICCTag(&f.profile, Sig("desc"), nullptr); },
      Tagged},
-    {"DeleteICCTagHandedOut", ERR_NO_MEMORY,
-     [](Fixture& f) {
-         ICCXYZType t{};
-         const KtStatus s = Vx_DeleteICCTag(&f.profile, Sig("rXYZ"), &t);
-         Vx_FreeICCTagType(&t, Sig("XYZ "));
-         return s;
-     },
-     Tagged},
+    TagOut("DeleteICCTagHandedOut", Sig("rXYZ"), Sig("XYZ "), true),
     {"DeleteICCTagLast", ERR_NO_MEMORY, [](Fixture& f) { return Vx_DeleteICCTag(&f.profile, Sig("wtpt"), nullptr); },
      [](Fixture& f) {
          ICCXYZType t = f.Xyz(1);
@@ -313,22 +305,15 @@ const Row kRows[] = {
     {"GenerateICCPointer", ERR_NO_MEMORY, [](Fixture& f) { return Vx_GenerateICCPointer(&f.profile); }, Tagged},
     {"GenerateICCFile", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_GenerateICCFile(&f.profile, f.File("out.icc").c_str()); }, Tagged},
-    {"FillICCProfileStructure", ERR_NO_MEMORY, [](Fixture& f) {
-         const test::Bytes& b = TheSamples().tagged;
-         return Vx_FillICCProfileStructure(&f.profile, b.data(), static_cast<std::uint32_t>(b.size()));
-     }},
-    {"FillICCProfileStructureOverAHeader", ERR_NO_MEMORY,
-     [](Fixture& f) {
-         const test::Bytes& b = TheSamples().tagged;
-         return Vx_FillICCProfileStructure(&f.profile, b.data(), static_cast<std::uint32_t>(b.size()));
-     },
+    {"FillICCProfileStructure", ERR_NO_MEMORY, FillFromTagged},
+    {"FillICCProfileStructureOverAHeader", ERR_NO_MEMORY, FillFromTagged,
      [](Fixture& f) { Vx_InitICCHeader(&f.profile); }},
     {"FillICCProfileFromICCFile", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_FillICCProfileFromICCFile(f.File("in.icc").c_str(), &f.profile); },
-     [](Fixture& f) { f.dir.Write("in.icc", TheSamples().tagged); }},
+     IccFile},
     {"FillICCProfileFromICCFileA", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_FillICCProfileFromICCFileA(f.dir.File("in.icc").c_str(), &f.profile); },
-     [](Fixture& f) { f.dir.Write("in.icc", TheSamples().tagged); }},
+     IccFile},
     {"GenerateICCFileA", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_GenerateICCFileA(&f.profile, f.dir.File("out.icc").c_str()); }, Tagged},
 
@@ -336,16 +321,16 @@ const Row kRows[] = {
     // JPEG save without its segment buffer answers the positive 8.
     {"LoadICCProfile", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_LoadICCProfile(f.File("in.jpg").c_str(), &f.profile, nullptr); },
-     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }},
+     Jpeg},
     {"LoadICCProfileA", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_LoadICCProfileA(f.dir.File("in.jpg").c_str(), &f.profile, nullptr); },
-     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }},
+     Jpeg},
     // Vx_HasICCProfile answers 0 (no profile) for every failure.
     {"HasICCProfile", KtStatus{}, [](Fixture& f) { return Vx_HasICCProfile(f.File("in.jpg").c_str(), nullptr); },
-     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }, 1},
+     Jpeg, 1},
     {"HasICCProfileA", KtStatus{},
      [](Fixture& f) { return Vx_HasICCProfileA(f.dir.File("in.jpg").c_str(), nullptr); },
-     [](Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }, 1, ERR_NO_MEMORY},  // the name's conversion
+     Jpeg, 1, ERR_NO_MEMORY},  // the name's conversion
     {"SaveICCProfile", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_SaveICCProfile(f.File("in.jpg").c_str(), &f.profile, nullptr); }, JpegAndProfile,
      STATUS_OK, KtStatus{8}, SameJpeg},
