@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <random>
 #include <vector>
 
 #include "ktclr/bitmap.h"
@@ -12,27 +11,13 @@
 namespace kt {
 namespace {
 
+using test::Bytes;
+using test::Handle;
 using test::MappedPages;
+using test::Random;
 using Access = MappedPages::Access;
-using Bytes = std::vector<std::uint8_t>;
 constexpr std::uint32_t kSize = KTCLR_SIZEOF_BITMAP_HANDLE;
 constexpr int kHeight = 3;
-
-Bytes Random(std::size_t n, unsigned seed) {
-    std::mt19937 rng(seed);
-    Bytes b(n);
-    for (auto& v : b) v = static_cast<std::uint8_t>(rng());
-    return b;
-}
-
-struct Handle {
-    Handle(int src, int dst, std::uint32_t method = METHOD_BUILTIN) {
-        ConversionParams p = test::Params(method);
-        EXPECT_EQ(Vx_ClrInit(&h, src, dst, &p), STATUS_OK);
-    }
-    ~Handle() { Vx_ClrFree(h); }
-    ClrHandle* h = nullptr;
-};
 
 struct Bitmap {
     Bitmap() { Vx_BmpInit(&b, kSize); }
@@ -117,7 +102,7 @@ TEST(BitmapConvert, ConvertBitmapInPlaceAndIntoASecond) {
 }
 
 TEST(BitmapConvert, ToBitmapStatusesInOrder) {
-    Handle hsv(CS_HSV, CS_RGB), cmyk(CS_RGB, CS_CMYK);
+    Handle hsv(CS_HSV, CS_RGB, METHOD_BUILTIN), cmyk(CS_RGB, CS_CMYK, METHOD_BUILTIN);
     MappedPages pages(1, Access::readWrite), none(1, Access::none);
     Bytes src(64), block(KTCLR_SIZEOF_CLR_HANDLE + 64);
     auto* stranger = reinterpret_cast<ClrHandle*>(block.data());
@@ -158,7 +143,7 @@ TEST(BitmapConvert, ToBitmapStatusesInOrder) {
 // 3 bytes apart (no padding at width 1) are too short for the bitmap's
 // 4-byte rows, and a wrong record size fails the fill too.
 TEST(BitmapConvert, FillStatusDroppedByTheHandleFormReturnedByTheDirectForm) {
-    Handle hsv(CS_HSV, CS_RGB);
+    Handle hsv(CS_HSV, CS_RGB, METHOD_BUILTIN);
     Bytes src(64);
     for (std::uint32_t size : {kSize, kSize + 8}) {
         const KtStatus fill = size == kSize ? ERR_BAD_SIZE : ERR_BAD_STRUCT_SIZE;
@@ -201,7 +186,7 @@ TEST(BitmapConvert, DirectToBitmapStatusesInOrder) {
 }
 
 TEST(BitmapConvert, ConvertBitmapStatusesInOrder) {
-    Handle hsv(CS_RGB, CS_HSV);
+    Handle hsv(CS_RGB, CS_HSV, METHOD_BUILTIN);
     MappedPages none(1, Access::none);
     Bitmap a, tall, deep, rgb, dib, gray, gray2, empty;
     const struct {
@@ -240,7 +225,7 @@ TEST(BitmapConvert, ConvertBitmapStatusesInOrder) {
 
 // An achromatic HLS pixel with a hue stops the loop at its row.
 TEST(BitmapConvert, ConvertBitmapStopsAtTheFirstFailingRow) {
-    Handle hls(CS_HLS, CS_RGB);
+    Handle hls(CS_HLS, CS_RGB, METHOD_BUILTIN);
     Bitmap b;
     ASSERT_EQ(Vx_BmpCreate(&b.b, kSize, 1, 3, 24, VX_BMP_ORDER_BGR), STATUS_OK);
     const std::uint8_t rows[3][3] = {{0, 128, 0}, {10, 100, 0}, {0, 60, 0}};

@@ -92,6 +92,11 @@ struct Handle {
     ClrHandle* h = nullptr;
     Handle() = default;
     Handle(int src, int dst, ConversionParams* p = nullptr) { Vx_ClrInit(&h, src, dst, p); }
+    // With parameters of one method, prepared alone.
+    Handle(int src, int dst, std::uint32_t method) {
+        ConversionParams p = Params(method);
+        Vx_ClrInit(&h, src, dst, &p);
+    }
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
     ~Handle() {
