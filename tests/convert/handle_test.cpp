@@ -43,24 +43,6 @@ TEST(HandleInit, ArgumentChecksInOrder) {
               ERR_BAD_POINTER);
 }
 
-TEST(HandleInit, IdentityShortcutComesBeforeTheRangeCheck) {
-    Handle a(200, 200);
-    ASSERT_NE(a.h, nullptr);
-    EXPECT_EQ(a.h->srcSpace, 200);
-    EXPECT_EQ(a.h->method, 0u);
-    EXPECT_EQ(a.h->iccOptions, nullptr);
-    EXPECT_EQ(Vx_ClrIsValid(a.h), STATUS_OK);
-    Handle b;
-    for (auto [src, dst] : {std::pair{200, 0}, {0, 16}, {129, 0}, {0, 145}, {-1, 0}})
-        EXPECT_EQ(b.Init(src, dst), ERR_UNSUPPORTED_SPACE) << src << "->" << dst;
-    // With the custom-ICC bit prepared the shortcut is not taken.
-    ConversionParams p = Params(METHOD_BUILTIN, METHOD_BUILTIN | METHOD_CUSTOM_ICC);
-    EXPECT_EQ(b.Init(200, 200, &p), ERR_UNSUPPORTED_SPACE);
-    p.prepareMethods = METHOD_BUILTIN;
-    ASSERT_EQ(b.Init(CS_LAB, CS_LAB, &p), STATUS_OK);
-    EXPECT_EQ(b.h->method, 0u);
-}
-
 TEST(HandleInit, WhatEachPairHolds) {
     // With parameters, a Lab side or an XYZ source (only the source) makes
     // one step too.
@@ -92,64 +74,66 @@ TEST(HandleInit, WhatEachPairHolds) {
     }
 }
 
-TEST(HandleInit, MethodChecks) {
-    Handle h;
+// Which statuses the spaces and methods give, and the method a handle then
+// holds.
+TEST(HandleInit, SpacesAndMethods) {
+    constexpr std::uint32_t kAuto = METHOD_AUTO, kIcc = METHOD_ICC;
+    const struct {
+        int src, dst;
+        bool params;
+        std::uint32_t method, prepare;
+        KtStatus status;
+        std::uint32_t held = 0;
+    } rows[] = {
+        // The identity shortcut comes before the range check, unless the
+        // custom-ICC bit is prepared.
+        {200, 200, false, 0, 0, STATUS_OK},
+        {200, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {0, 16, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {129, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {0, 145, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {-1, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {200, 200, true, kBuiltin, kBuiltin | METHOD_CUSTOM_ICC, ERR_UNSUPPORTED_SPACE},
+        {CS_LAB, CS_LAB, true, kBuiltin, kBuiltin, STATUS_OK},
+        // Builtin, ICC, none prepared; the method in force need only share
+        // a bit with the prepared set.
+        {CS_RGB, CS_HSV, true, 1, 64, ERR_BAD_METHOD},
+        {CS_RGB, CS_HSV, true, 2, 1, ERR_BAD_METHOD},
+        {CS_RGB, CS_HSV, true, 0, 1, ERR_BAD_METHOD},
+        {CS_RGB, CS_HSV, true, kBuiltin | 64, kBuiltin, STATUS_OK, kBuiltin | 64},
+        // An ICC path needs an ICC format on both sides; a two-step pair
+        // needs none.
+        {CS_RGB, CS_HSV, true, kBuiltin, kBuiltin | kIcc, ERR_BAD_COLOR_SPACE},
+        {CS_HSV, CS_YIQ, true, kBuiltin, kBuiltin | kIcc, STATUS_OK, kBuiltin},
+        // The automatic choice; only both fields at 32 ask for it, 32 beside
+        // a real bit is taken as the method in force.
+        {CS_RGB, CS_HSV, true, kAuto, kAuto, ERR_BAD_METHOD},
+        {CS_LAB, CS_BGR, true, kAuto, kAuto, STATUS_OK, kBuiltin},
+        {CS_HSV, CS_YIQ, true, kAuto, kAuto, STATUS_OK, kBuiltin},
+        {CS_RGB, CS_CMYK, true, kAuto, kAuto, STATUS_OK, kIcc},
+        {CS_YCCK, CS_RGB, true, kAuto, kAuto, STATUS_OK, kIcc},
+        {CS_LAB, CS_RGB, true, kAuto, kBuiltin, ERR_BAD_METHOD},
+        {CS_LAB, CS_RGB, true, kAuto, kAuto | kBuiltin, STATUS_OK, kAuto},
+    };
+    for (const auto& r : rows) {
+        ConversionParams p = Params(r.method, r.prepare);
+        Handle h;
+        EXPECT_EQ(h.Init(r.src, r.dst, r.params ? &p : nullptr), r.status) << &r - rows;
+        EXPECT_TRUE(!h.h || h.h->method == r.held) << &r - rows;
+        // 32 is back in the caller's record whether or not a choice was made.
+        EXPECT_TRUE(r.method != kAuto || r.prepare != kAuto || (p.method == kAuto && p.prepareMethods == kAuto));
+    }
     ConversionParams p = Params(METHOD_BUILTIN_EMULATION);
     p.emulationMethod = 1;
+    Handle h;
     EXPECT_EQ(h.Init(CS_CMYK, CS_RGB, &p), ERR_INVALID_PARAMETER);
-    for (auto [method, prepare] : {std::pair{1u, 64u}, {2u, 1u}, {0u, 1u}}) {  // builtin, ICC, none
-        p = Params(method, prepare);
-        EXPECT_EQ(h.Init(CS_RGB, CS_HSV, &p), ERR_BAD_METHOD) << method << " " << prepare;
-    }
-    // The method in force need only share a bit with the prepared set.
-    p = Params(METHOD_BUILTIN | 64, METHOD_BUILTIN);
-    ASSERT_EQ(h.Init(CS_RGB, CS_HSV, &p), STATUS_OK);
-    EXPECT_EQ(h.h->method, kBuiltin | 64);
-    // An ICC path needs an ICC format on both sides; a two-step pair builds
-    // no transform.
-    Handle g;
-    p = Params(METHOD_BUILTIN, METHOD_BUILTIN | METHOD_ICC);
-    EXPECT_EQ(g.Init(CS_RGB, CS_HSV, &p), ERR_BAD_COLOR_SPACE);
-    ASSERT_EQ(g.Init(CS_HSV, CS_YIQ, &p), STATUS_OK);
-    EXPECT_EQ(g.h->iccTransform, nullptr);
-}
-
-TEST(HandleInit, AutomaticChoice) {
-    const auto kAuto = static_cast<std::uint32_t>(METHOD_AUTO);
-    struct Case {
-        int src, dst;
-        KtStatus status;
-        std::uint32_t chosen;
-    } cases[] = {{CS_RGB, CS_HSV, ERR_BAD_METHOD, 0},      {CS_LAB, CS_BGR, STATUS_OK, METHOD_BUILTIN},
-                 {CS_HSV, CS_YIQ, STATUS_OK, METHOD_BUILTIN}, {CS_RGB, CS_CMYK, STATUS_OK, METHOD_ICC},
-                 {CS_YCCK, CS_RGB, STATUS_OK, METHOD_ICC}};
-    for (const Case& c : cases) {
-        ConversionParams p = Params(METHOD_AUTO);
-        Handle h;
-        EXPECT_EQ(h.Init(c.src, c.dst, &p), c.status) << c.src << "->" << c.dst;
-        if (h.h) {
-            EXPECT_EQ(h.h->method, c.chosen);
-        }
-        // 32 is back in the caller's record whether or not a choice was made.
-        EXPECT_EQ(p.method, kAuto);
-        EXPECT_EQ(p.prepareMethods, kAuto);
-    }
     // A failure after the choice leaves the chosen bit in both fields: the
     // fourth allocation (after handle, node and ICC options) is the YCCK table.
-    ConversionParams p = Params(METHOD_AUTO);
-    Handle h;
+    p = Params(METHOD_AUTO);
     mem::testing::FailNthAllocation(4);
     EXPECT_EQ(h.Init(CS_YCCK, CS_RGB, &p), ERR_ALLOC);
     mem::testing::FailNthAllocation(0);
-    EXPECT_EQ(p.method, static_cast<std::uint32_t>(METHOD_ICC));
-    EXPECT_EQ(p.prepareMethods, static_cast<std::uint32_t>(METHOD_ICC));
-    // Only both fields at 32 ask for a choice; 32 beside a real bit is taken
-    // as the method in force, unchosen.
-    p = Params(METHOD_AUTO, METHOD_BUILTIN);
-    EXPECT_EQ(h.Init(CS_LAB, CS_RGB, &p), ERR_BAD_METHOD);
-    p = Params(METHOD_AUTO, METHOD_AUTO | METHOD_BUILTIN);
-    ASSERT_EQ(h.Init(CS_LAB, CS_RGB, &p), STATUS_OK);
-    EXPECT_EQ(h.h->method, kAuto);
+    EXPECT_TRUE(p.method == kIcc && p.prepareMethods == kIcc);
 }
 
 TEST(HandleInit, OptionRecordsAreCopied) {
@@ -184,45 +168,43 @@ TEST(HandleInit, OptionRecordsAreCopied) {
 TEST(HandleInit, BadOptionRecordsAbandonOrRelease) {
     const std::size_t before = convert::registry::Count();
     MappedPages none(1, MappedPages::Access::none);
-    ConversionParams p = Params(METHOD_BUILTIN);
-    p.cmykOptions = reinterpret_cast<CmykOptions*>(none.data());
-    p.yuvOptions = reinterpret_cast<YuvOptions*>(none.data());
-    p.labOptions = reinterpret_cast<LabOptions*>(none.data());
+    ConversionParams unreadable = Params(METHOD_BUILTIN), wrongSize = Params(METHOD_BUILTIN);
+    unreadable.cmykOptions = reinterpret_cast<CmykOptions*>(none.data());
+    unreadable.yuvOptions = reinterpret_cast<YuvOptions*>(none.data());
+    unreadable.labOptions = reinterpret_cast<LabOptions*>(none.data());
+    unsigned char buf[4];
+    CmykOptions cmyk = test::Cmyk(1);
+    YuvOptions yuv = test::Yuv(buf, 4);
+    LabOptions lab = test::Lab(0);
+    cmyk.structSize = 13, yuv.structSize = 41, lab.structSize = 31;
+    wrongSize.cmykOptions = &cmyk, wrongSize.yuvOptions = &yuv, wrongSize.labOptions = &lab;
     // Records of spaces the pair does not use are never looked at.
-    EXPECT_NE(Handle(CS_RGB, CS_HSV, &p).h, nullptr);
-
+    EXPECT_NE(Handle(CS_RGB, CS_HSV, &unreadable).h, nullptr);
     // Unreadable records, and a CMYK record of the wrong size, return at
     // once: the half-built handle stays on the list, live but never handed
-    // out. It is the newest node; free it as the unload sweep would.
-    auto expectAbandoned = [&](int src, int dst, KtStatus status) {
+    // out. YUV and Lab records of the wrong size are released.
+    const struct {
+        int src, dst;
+        ConversionParams* p;
+        KtStatus status;
+        bool abandoned;
+    } rows[] = {{CS_RGB, CS_CMYK, &unreadable, ERR_BAD_POINTER, true},
+                {CS_YUV, CS_RGB, &unreadable, ERR_BAD_POINTER, true},
+                {CS_RGB, CS_LAB, &unreadable, ERR_BAD_POINTER, true},
+                {CS_RGB, CS_CMYK, &wrongSize, ERR_BAD_STRUCT_SIZE, true},
+                {CS_YUV, CS_RGB, &wrongSize, ERR_BAD_STRUCT_SIZE, false},
+                {CS_LAB, CS_RGB, &wrongSize, ERR_BAD_STRUCT_SIZE, false}};
+    for (const auto& r : rows) {
         Handle h;
-        EXPECT_EQ(h.Init(src, dst, &p), status);
+        EXPECT_EQ(h.Init(r.src, r.dst, r.p), r.status) << &r - rows;
         EXPECT_EQ(h.h, nullptr);
-        ASSERT_EQ(convert::registry::Count(), before + 1);
+        ASSERT_EQ(convert::registry::Count(), before + r.abandoned) << &r - rows;
+        if (!r.abandoned) continue;
+        // The newest node; free it as the unload sweep would.
         ClrHandle* stray = convert::registry::Tail();
         EXPECT_EQ(stray->srcSpace, 0);  // never finished
         EXPECT_EQ(Vx_ClrFree(stray), STATUS_OK);
-    };
-    expectAbandoned(CS_RGB, CS_CMYK, ERR_BAD_POINTER);
-    expectAbandoned(CS_YUV, CS_RGB, ERR_BAD_POINTER);
-    expectAbandoned(CS_RGB, CS_LAB, ERR_BAD_POINTER);
-    CmykOptions cmyk = test::Cmyk(1);
-    cmyk.structSize = 13;
-    p.cmykOptions = &cmyk;
-    expectAbandoned(CS_RGB, CS_CMYK, ERR_BAD_STRUCT_SIZE);
-
-    // YUV and Lab records of the wrong size are released.
-    unsigned char buf[4];
-    YuvOptions yuv = test::Yuv(buf, 4);
-    yuv.structSize = 41;
-    LabOptions lab = test::Lab(0);
-    lab.structSize = 31;
-    p.yuvOptions = &yuv;
-    p.labOptions = &lab;
-    Handle h;
-    EXPECT_EQ(h.Init(CS_YUV, CS_RGB, &p), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(h.Init(CS_LAB, CS_RGB, &p), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(convert::registry::Count(), before);
+    }
 }
 
 TEST(HandleLifecycle, ValidityAndFree) {
