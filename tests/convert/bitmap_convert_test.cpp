@@ -101,87 +101,69 @@ TEST(BitmapConvert, ConvertBitmapInPlaceAndIntoASecond) {
     }
 }
 
+// Both forms' statuses in order, on a 1 x 1 bitmap that a failure before
+// the fill leaves as it was. The fill releases the bitmap's pixels first;
+// the handle form drops the fill's status, the direct form returns it: rows 3 bytes apart
+// are too short for the bitmap's 4-byte rows at width 1, and a wrong record
+// size fails the fill too.
 TEST(BitmapConvert, ToBitmapStatusesInOrder) {
     Handle hsv(CS_HSV, CS_RGB, METHOD_BUILTIN), cmyk(CS_RGB, CS_CMYK, METHOD_BUILTIN);
     MappedPages pages(1, Access::readWrite), none(1, Access::none);
     Bytes src(64), block(KTCLR_SIZEOF_CLR_HANDLE + 64);
     auto* stranger = reinterpret_cast<ClrHandle*>(block.data());
     stranger->structSize = KTCLR_SIZEOF_CLR_HANDLE;
+    auto* direct = reinterpret_cast<ClrHandle*>(&block);  // the row is the direct form's
     std::uint8_t* s = src.data();
     const struct {
         ClrHandle* handle;
+        int srcSpace, dstSpace;  // the direct form's
         std::uint8_t* src;
         bool bitmap;
+        std::uint32_t size;
         int width, srcAlign, dstAlign;
         KtStatus status;
+        bool released = false;
     } rows[] = {
-        {hsv.h, nullptr, true, 2, 1, 0, ERR_INVALID_PARAMETER},
-        {hsv.h, s, false, 2, 1, 0, ERR_INVALID_PARAMETER},
-        {nullptr, s, true, 2, 1, 0, ERR_BAD_POINTER},
-        {reinterpret_cast<ClrHandle*>(none.data()), s, true, 2, 1, 0, ERR_BAD_POINTER},
+        {hsv.h, 0, 0, nullptr, true, kSize, 2, 1, 0, ERR_INVALID_PARAMETER},
+        {hsv.h, 0, 0, s, false, kSize, 2, 1, 0, ERR_INVALID_PARAMETER},
+        {nullptr, 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_POINTER},
+        {reinterpret_cast<ClrHandle*>(none.data()), 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_POINTER},
         // (6 + 1) x 2 source bytes are probed.
-        {hsv.h, pages.end() - 13, true, 2, 1, 4, ERR_BAD_POINTER},
-        {hsv.h, pages.end() - 14, true, 2, 1, 4, STATUS_OK},
-        {stranger, s, true, 2, 1, 0, ERR_INVALID_COLOR_HANDLE},
-        {cmyk.h, s, true, 2, 1, 0, ERR_BAD_COLOR_SPACE},
-        {hsv.h, s, true, 0, 1, 0, ERR_BAD_SIZE},
-        {hsv.h, s, true, 2, -1, 0, ERR_INVALID_PARAMETER},
+        {hsv.h, 0, 0, pages.end() - 13, true, kSize, 2, 1, 4, ERR_BAD_POINTER},
+        {hsv.h, 0, 0, pages.end() - 14, true, kSize, 2, 1, 4, STATUS_OK},
+        {stranger, 0, 0, s, true, kSize, 2, 1, 0, ERR_INVALID_COLOR_HANDLE},
+        {cmyk.h, 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_COLOR_SPACE},
+        {hsv.h, 0, 0, s, true, kSize, 0, 1, 0, ERR_BAD_SIZE},
+        {hsv.h, 0, 0, s, true, kSize, 2, -1, 0, ERR_INVALID_PARAMETER},
+        {hsv.h, 0, 0, s, true, kSize, 1, 1, 0, STATUS_OK, true},
+        {hsv.h, 0, 0, s, true, kSize + 8, 1, 1, 1, STATUS_OK, true},
+        {direct, CS_HSV, CS_RGB, nullptr, true, kSize, 2, 0, 0, ERR_INVALID_PARAMETER},
+        {direct, CS_HSV, CS_RGB, s, false, kSize, 2, 0, 0, ERR_INVALID_PARAMETER},
+        // The handle form answers ERR_BAD_COLOR_SPACE for these destinations.
+        {direct, CS_HSV, CS_CMYK, s, true, kSize, 2, 0, 0, ERR_INVALID_PARAMETER},
+        {direct, CS_RGB, CS_HSV, s, true, kSize, 2, 0, 0, ERR_INVALID_PARAMETER},
+        {direct, 16, CS_RGB, s, true, kSize, 2, 0, 0, ERR_BAD_COLOR_SPACE},
+        {direct, CS_YUV422_YUYV, CS_RGB, s, true, kSize, 5, 0, 0, ERR_ODD_WIDTH},
+        {direct, CS_HSV, CS_BGR, s, true, kSize, 0, 0, 0, ERR_INVALID_PARAMETER},
+        {direct, CS_HSV, CS_BGR, s, true, kSize, 4, 0, 0, STATUS_OK},
+        {direct, CS_HSV, CS_RGB, s, true, kSize, 1, 0, 0, ERR_BAD_SIZE, true},
+        {direct, CS_HSV, CS_RGB, s, true, kSize + 8, 1, 0, 1, ERR_BAD_STRUCT_SIZE, true},
     };
     for (const auto& r : rows) {
         Bitmap bmp;
         ASSERT_EQ(Vx_BmpCreate(&bmp.b, kSize, 1, 1, 24, 0), STATUS_OK);
         const std::uint8_t* held = bmp.b.data;
-        EXPECT_EQ(Vx_ClrConvertToBitmap(r.handle, r.src, r.bitmap ? &bmp.b : nullptr, kSize, r.width, 2, r.srcAlign,
-                                        r.dstAlign),
+        BitmapHandle* b = r.bitmap ? &bmp.b : nullptr;
+        EXPECT_EQ(r.handle == direct
+                      ? Vx_ClrConvertDirectToBitmap(r.srcSpace, r.dstSpace, r.src, b, r.size, r.width, 2, r.srcAlign,
+                                                    r.dstAlign)
+                      : Vx_ClrConvertToBitmap(r.handle, r.src, b, r.size, r.width, 2, r.srcAlign, r.dstAlign),
                   r.status)
             << &r - rows;
-        EXPECT_TRUE(r.status == STATUS_OK || bmp.b.data == held) << "bitmap touched, row " << &r - rows;
-    }
-}
-
-// The handle form drops the fill's status, the direct form returns it: rows
-// 3 bytes apart (no padding at width 1) are too short for the bitmap's
-// 4-byte rows, and a wrong record size fails the fill too.
-TEST(BitmapConvert, FillStatusDroppedByTheHandleFormReturnedByTheDirectForm) {
-    Handle hsv(CS_HSV, CS_RGB, METHOD_BUILTIN);
-    Bytes src(64);
-    for (std::uint32_t size : {kSize, kSize + 8}) {
-        const KtStatus fill = size == kSize ? ERR_BAD_SIZE : ERR_BAD_STRUCT_SIZE;
-        const int pad = size == kSize ? 0 : 1;
-        Bitmap bmp;
-        ASSERT_EQ(Vx_BmpCreate(&bmp.b, kSize, 1, 1, 24, 0), STATUS_OK);
-        EXPECT_EQ(Vx_ClrConvertToBitmap(hsv.h, src.data(), &bmp.b, size, 1, 2, 1, pad), STATUS_OK);
-        EXPECT_TRUE(bmp.b.flags == 0u && bmp.b.data == nullptr);  // its pixels were released before the fill
-        EXPECT_EQ(Vx_ClrConvertDirectToBitmap(CS_HSV, CS_RGB, src.data(), &bmp.b, size, 1, 2, 0, pad), fill);
-    }
-}
-
-TEST(BitmapConvert, DirectToBitmapStatusesInOrder) {
-    Bytes src(64);
-    std::uint8_t* s = src.data();
-    const struct {
-        int srcSpace, dstSpace;
-        std::uint8_t* src;
-        bool bitmap;
-        int width;
-        KtStatus status;
-    } rows[] = {
-        {CS_HSV, CS_RGB, nullptr, true, 2, ERR_INVALID_PARAMETER},
-        {CS_HSV, CS_RGB, s, false, 2, ERR_INVALID_PARAMETER},
-        // The handle form answers ERR_BAD_COLOR_SPACE for these destinations.
-        {CS_HSV, CS_CMYK, s, true, 2, ERR_INVALID_PARAMETER},
-        {CS_RGB, CS_HSV, s, true, 2, ERR_INVALID_PARAMETER},
-        {16, CS_RGB, s, true, 2, ERR_BAD_COLOR_SPACE},
-        {CS_YUV422_YUYV, CS_RGB, s, true, 5, ERR_ODD_WIDTH},
-        {CS_HSV, CS_BGR, s, true, 0, ERR_INVALID_PARAMETER},
-        {CS_HSV, CS_BGR, s, true, 4, STATUS_OK},
-    };
-    for (const auto& r : rows) {
-        Bitmap bmp;
-        EXPECT_EQ(Vx_ClrConvertDirectToBitmap(r.srcSpace, r.dstSpace, r.src, r.bitmap ? &bmp.b : nullptr, kSize,
-                                              r.width, 2, 0, 0),
-                  r.status)
-            << &r - rows;
+        if (r.released)
+            EXPECT_TRUE(bmp.b.flags == 0u && bmp.b.data == nullptr) << &r - rows;
+        else
+            EXPECT_TRUE(r.status == STATUS_OK || bmp.b.data == held) << "bitmap touched, row " << &r - rows;
     }
 }
 
