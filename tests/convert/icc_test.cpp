@@ -150,19 +150,10 @@ TEST(IccMethod, EveryPairMatchesLittleCms) {
             }
 }
 
-TEST(IccMethod, PaddedRowsAndNeutralLab) {
+// Padded rows go row by row and leave the padding alone.
+TEST(IccMethod, PaddedRows) {
     ConversionParams p = Params(METHOD_ICC);
     Handle lab(CS_RGB, CS_LAB, &p);
-    // The transform writes the ICC encoding (a + 128) and the frame's +128
-    // turns it into the Lab pixel's signed bytes: a neutral grey is 0, 0,
-    // and colors near grey stay near 0.
-    for (int v = 0; v < 256; v += 3) {
-        std::uint8_t grey[3] = {std::uint8_t(v), std::uint8_t(v), std::uint8_t(v)}, out[3] = {};
-        ASSERT_EQ(Vx_ClrConvert(lab.h, grey, out, 1, 1, 0, 0), STATUS_OK);
-        EXPECT_LE(std::abs(static_cast<std::int8_t>(out[1])), 1) << v;
-        EXPECT_LE(std::abs(static_cast<std::int8_t>(out[2])), 1) << v;
-    }
-    // Padded rows go row by row and leave the padding alone.
     const Bytes rgbp = BuiltinProfile(KTCLR_PROFILE_RGB_DISPLAY), labp = BuiltinProfile(KTCLR_PROFILE_LAB);
     constexpr int kWidth = 5, kHeight = 4;
     const Witness witness({&rgbp, &labp}, TYPE_RGB_8, TYPE_Lab_8);
