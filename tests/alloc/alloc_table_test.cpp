@@ -366,7 +366,7 @@ TEST_P(AllocationFailure, AnswersItsStatusAndLeavesNothing) {
     const Row& row = GetParam();
     TheSamples();
     for (int n = 1;; ++n) {
-        const test::LiveCounts before = test::LiveCounts::Now();
+        const test::LiveCounts before = test::Live();
         KtStatus status;
         bool fired;
         {
@@ -378,7 +378,7 @@ TEST_P(AllocationFailure, AnswersItsStatusAndLeavesNothing) {
             ctl::FailNthAllocation(0);
             if (fired) row.after(f);
         }
-        EXPECT_TRUE(test::LiveCounts::Now() == before) << "allocation " << n;
+        EXPECT_EQ(test::Live(), before) << "allocation " << n;
         if (!fired) {
             EXPECT_EQ(status, row.success);
             EXPECT_GT(n, 1) << "the call allocates nothing";

@@ -257,7 +257,7 @@ TEST(HandleLifecycle, IndexGrowthKeepsEveryHandleReachable) {
 }
 
 TEST(LibraryFrame, UnloadSweepFreesForgottenHandles) {
-    const test::LiveCounts before = test::LiveCounts::Now();
+    const test::LiveCounts before = test::Live();
     ASSERT_EQ(convert::registry::Count(), 0u) << "another test left handles behind";
     ASSERT_EQ(convert::AttachCount(), 1);
     ClrHandle* h[3] = {};
@@ -279,7 +279,7 @@ TEST(LibraryFrame, UnloadSweepFreesForgottenHandles) {
     EXPECT_EQ(convert::registry::Count(), 3u);
     convert::LibraryDetach();
     EXPECT_EQ(convert::registry::Count(), 0u);
-    EXPECT_TRUE(test::LiveCounts::Now() == before);
+    EXPECT_EQ(test::Live(), before);
     convert::LibraryAttach();  // as the loader left it
 }
 

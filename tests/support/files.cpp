@@ -1,14 +1,13 @@
 // Files: the scratch folder, whole-file helpers and the file-failure loop.
 #include "support/support.h"
 
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -16,13 +15,18 @@
 
 namespace kt::test {
 
+namespace fs = std::filesystem;
+
 ScratchDir::ScratchDir() {
     char tmpl[] = "/tmp/ktclr-test-XXXXXX";
     if (!mkdtemp(tmpl)) ADD_FAILURE() << "mkdtemp failed";
     path_ = tmpl;
 }
 
-ScratchDir::~ScratchDir() { Run("rm -rf '" + path_ + "'"); }
+ScratchDir::~ScratchDir() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+}
 
 std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
     WriteFile(File(name), std::string(b.begin(), b.end()));
@@ -31,25 +35,20 @@ std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
 
 std::vector<std::string> ScratchDir::Entries() const {
     std::vector<std::string> names;
-    if (DIR* d = opendir(path_.c_str())) {
-        while (dirent* e = readdir(d))
-            if (std::string(e->d_name) != "." && std::string(e->d_name) != "..") names.push_back(e->d_name);
-        closedir(d);
-    }
+    std::error_code ignored;
+    for (const auto& e : fs::directory_iterator(path_, ignored)) names.push_back(e.path().filename());
     std::sort(names.begin(), names.end());
     return names;
 }
 
 std::string ReadFile(const std::string& path) {
-    struct stat st;
-    if (stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) return "";
+    if (!fs::is_regular_file(path)) return "";
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(path, std::ios::binary | std::ios::trunc).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 std::u16string Wide(const std::string& utf8) {

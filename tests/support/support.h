@@ -43,11 +43,9 @@ private:
     std::size_t page_ = 0;
 };
 
-struct LiveCounts {
-    std::int64_t perModule[static_cast<int>(mem::Module::count)];
-    static LiveCounts Now();
-    bool operator==(const LiveCounts& o) const;
-};
+// Each module's count of live blocks.
+using LiveCounts = std::vector<std::int64_t>;
+LiveCounts Live();
 
 // Calls `run` with allocation number n = 1, 2, ... set to fail, until a run
 // completes without the failure firing, and checks after each failing run
