@@ -22,17 +22,15 @@ using test::Bytes;
 using test::Handle;
 using test::MappedPages;
 using test::Params;
-using test::Random;
 using Access = MappedPages::Access;
 
 TEST(ConvertChecks, InOrder) {
-    Handle lab(CS_RGB, CS_LAB);
+    Handle lab(CS_RGB, CS_LAB), same(CS_HSV, CS_HSV), odd(200, 200);
     std::uint8_t src[64] = {}, dst[64] = {};
     MappedPages pages(2, Access::readWrite);
     pages.Protect(1, Access::none);
     auto* unreadable = reinterpret_cast<ClrHandle*>(pages.data() + pages.page());
     ClrHandle fake = *lab.h;  // readable, but no live handle
-    Handle same(CS_HSV, CS_HSV), odd(200, 200);
     const struct {
         ClrHandle* h;
         std::uint8_t *from, *to;
@@ -62,44 +60,42 @@ TEST(ConvertChecks, InOrder) {
 }
 
 TEST(ConvertChecks, BuffersAreProbedOverTheirStrides) {
-    Handle cmyk(CS_RGB, CS_CMYK);
+    Handle cmyk(CS_RGB, CS_CMYK), planar(CS_YUV410_PLANAR, CS_RGB);
     MappedPages pages(1, Access::readWrite);
     std::uint8_t other[256] = {};
     // Width 3, height 2: rows of 9 and 12 bytes; with both alignments 8 the
     // strides are 16 and 16. The kernels take the alignments as row padding
     // and probe (row + padding) x height themselves: a buffer that passes
-    // the frame's probe but not the kernel's gets the kernel's -13.
-    struct Case {
+    // the frame's probe but not the kernel's gets the kernel's -13. One
+    // alignment 0: neither stride is rounded. The planar layout's rows are
+    // sized by its 9 bits per pixel.
+    const struct {
+        ClrHandle* h;
         bool onSource;
-        int back, srcAlign, dstAlign;
+        int back, width, height, srcAlign, dstAlign;
         KtStatus status;
-    } cases[] = {{true, 32, 8, 8, ERR_INVALID_PARAMETER}, {true, 31, 8, 8, ERR_BAD_POINTER},
-                 {false, 32, 8, 8, ERR_INVALID_PARAMETER}, {false, 31, 8, 8, ERR_BAD_POINTER},
-                 {true, 34, 8, 8, STATUS_OK},
-                 // One alignment 0: neither stride is rounded.
-                 {true, 18, 8, 0, ERR_INVALID_PARAMETER}, {true, 17, 8, 0, ERR_BAD_POINTER},
-                 {false, 24, 0, 8, ERR_INVALID_PARAMETER}, {false, 23, 0, 8, ERR_BAD_POINTER},
-                 {true, 18, 0, 8, STATUS_OK}};
-    for (const Case& c : cases) {
+    } cases[] = {{cmyk.h, true, 32, 3, 2, 8, 8, ERR_INVALID_PARAMETER}, {cmyk.h, true, 31, 3, 2, 8, 8, ERR_BAD_POINTER},
+                 {cmyk.h, false, 32, 3, 2, 8, 8, ERR_INVALID_PARAMETER}, {cmyk.h, false, 31, 3, 2, 8, 8, ERR_BAD_POINTER},
+                 {cmyk.h, true, 34, 3, 2, 8, 8, STATUS_OK},  {cmyk.h, true, 18, 3, 2, 8, 0, ERR_INVALID_PARAMETER},
+                 {cmyk.h, true, 17, 3, 2, 8, 0, ERR_BAD_POINTER}, {cmyk.h, false, 24, 3, 2, 0, 8, ERR_INVALID_PARAMETER},
+                 {cmyk.h, false, 23, 3, 2, 0, 8, ERR_BAD_POINTER}, {cmyk.h, true, 18, 3, 2, 0, 8, STATUS_OK},
+                 {planar.h, true, 40, 4, 8, 0, 0, STATUS_OK}, {planar.h, true, 39, 4, 8, 0, 0, ERR_BAD_POINTER}};
+    for (const auto& c : cases) {
         std::uint8_t* edge = pages.end() - c.back;
-        EXPECT_EQ(Vx_ClrConvert(cmyk.h, c.onSource ? edge : other, c.onSource ? other : edge, 3, 2, c.srcAlign,
-                                c.dstAlign),
+        EXPECT_EQ(Vx_ClrConvert(c.h, c.onSource ? edge : other, c.onSource ? other : edge, c.width, c.height,
+                                c.srcAlign, c.dstAlign),
                   c.status)
-            << c.onSource << " " << c.back << " " << c.srcAlign << " " << c.dstAlign;
+            << &c - cases;
     }
     pages.Protect(0, Access::read);
     EXPECT_EQ(Vx_ClrConvert(cmyk.h, other, pages.data(), 3, 2, 0, 0), ERR_BAD_POINTER);
-    // The planar layout's rows are sized by its 9 bits per pixel.
-    Handle planar(CS_YUV410_PLANAR, CS_RGB);
-    EXPECT_EQ(Vx_ClrConvert(planar.h, pages.end() - 40, other, 4, 8, 0, 0), STATUS_OK);
-    EXPECT_EQ(Vx_ClrConvert(planar.h, pages.end() - 39, other, 4, 8, 0, 0), ERR_BAD_POINTER);
 }
 
 // Equal spaces copy: Vx_ClrConvert by its strides, Vx_ClrConvertDirect by
 // its paddings alone (rows then overlap). Each row: the source runs that
 // must land at each destination offset, and the first byte left alone.
 TEST(ConvertChecks, EqualSpacesCopy) {
-    const Bytes src = Random(64, 1);
+    const Bytes src = test::Random(64, 1);
     Handle xyz(CS_XYZ, CS_XYZ);
     const struct {
         bool direct;
@@ -141,85 +137,71 @@ const double kSetMatrix[9] = {2.830880641937256,   -1.0300474166870117, -0.56046
                               -1.5802161693572998, 2.7214279174804688,  0.026361215859651566,
                               0.2055138498544693,  -0.5249314904212952, 1.7662780284881592};
 
-void Put(std::uint8_t* out, ktref::Rgb c, bool bgr) {
-    out[bgr ? 2 : 0] = c.r, out[1] = c.g, out[bgr ? 0 : 2] = c.b;
-}
+void Put(std::uint8_t* out, ktref::Rgb c, bool bgr) { out[bgr ? 2 : 0] = c.r, out[1] = c.g, out[bgr ? 0 : 2] = c.b; }
 void PutYcck(std::uint8_t* out, int r, int g, int b) {
     const ktref::Ycc y = ktref::RgbToYcc(r, g, b);
     out[0] = y.y, out[1] = y.cb, out[2] = y.cr, out[3] = 0;
 }
 
-// Each route's pixels against the reference: the first 4096 pixels step
-// every channel through 16 levels, the rest are random.
+// Each route's pixels against the reference, every channel stepped through
+// 16 levels: the kernel each route reaches, with the handle's extras.
 TEST(ConvertDispatch, RoutesAndHandleExtras) {
-    constexpr int kWidth = 1024, kHeight = 8, kCount = kWidth * kHeight;
-    ConversionParams withOptions = Params(METHOD_BUILTIN);
+    ConversionParams withOptions = Params(METHOD_BUILTIN), setLab = Params(0, KTCLR_CHANGE_LAB);
     LabOptions lab = test::Lab(10);
     CmykOptions strong = test::Cmyk(1000);
-    withOptions.labOptions = &lab;
+    withOptions.labOptions = setLab.labOptions = &lab;
     withOptions.cmykOptions = &strong;
-    ConversionParams setLab = Params(0, KTCLR_CHANGE_LAB);
-    setLab.labOptions = &lab;
     using Want = std::function<void(const std::uint8_t* in, std::uint8_t* out)>;
     const struct {
-        const char* name;
         int src, dst, inBytes, outBytes;
         ConversionParams* params;  // at creation
         ConversionParams* change;  // after it
         bool direct;
         Want want;
     } routes[] = {
-        {"Lab formula", CS_LAB, CS_RGB, 3, 3, nullptr, nullptr, false,
+        {CS_LAB, CS_RGB, 3, 3, nullptr, nullptr, false,
          [](auto in, auto out) { Put(out, ktref::LabToRgb(in[0], in[1], in[2]), false); }},
-        {"Lab table at creation", CS_LAB, CS_BGR, 3, 3, &withOptions, nullptr, false,
+        {CS_LAB, CS_BGR, 3, 3, &withOptions, nullptr, false,
          [](auto in, auto out) { Put(out, ktref::LabToRgbWith(in[0], in[1], in[2], kInitWhite, kInitMatrix, 0.45), true); }},
-        {"Lab table made later", CS_LAB, CS_RGB, 3, 3, nullptr, &setLab, false,
+        {CS_LAB, CS_RGB, 3, 3, nullptr, &setLab, false,
          [](auto in, auto out) { Put(out, ktref::LabToRgbWith(in[0], in[1], in[2], kSetWhite, kSetMatrix, 0.45), false); }},
-        {"RGB to Lab table", CS_RGB, CS_LAB, 3, 3, &withOptions, nullptr, false,
+        {CS_RGB, CS_LAB, 3, 3, &withOptions, nullptr, false,
          [](auto in, auto out) { std::memcpy(out, ktref::RgbToLab(in[0], in[1], in[2]).v, 3); }},
-        {"CMYK default black", CS_RGB, CS_CMYK, 3, 4, nullptr, nullptr, false,
+        {CS_RGB, CS_CMYK, 3, 4, nullptr, nullptr, false,
          [](auto in, auto out) { std::ranges::copy(ref::RgbToCmyk(in[0], in[1], in[2], 175), out); }},
-        {"CMYK options' black", CS_RGB, CS_CMYK, 3, 4, &withOptions, nullptr, false,
+        {CS_RGB, CS_CMYK, 3, 4, &withOptions, nullptr, false,
          [](auto in, auto out) { std::ranges::copy(ref::RgbToCmyk(in[0], in[1], in[2], 1000), out); }},
-        {"to YCCK", CS_BGR, CS_YCCK, 3, 4, nullptr, nullptr, false,
-         [](auto in, auto out) { PutYcck(out, in[2], in[1], in[0]); }},
-        {"from YCCK", CS_YCCK, CS_RGB, 4, 3, nullptr, nullptr, false,
-         [](auto in, auto out) { ktref::YccToRgb(in[0], in[1], in[2], out); }},
-        {"from YCCK direct", CS_YCCK, CS_RGB, 4, 3, nullptr, nullptr, true,
-         [](auto in, auto out) { ktref::YccToRgb(in[0], in[1], in[2], out); }},
-        {"HSV to CMYK direct", CS_HSV, CS_CMYK, 3, 4, nullptr, nullptr, true,
+        {CS_BGR, CS_YCCK, 3, 4, nullptr, nullptr, false, [](auto in, auto out) { PutYcck(out, in[2], in[1], in[0]); }},
+        {CS_YCCK, CS_RGB, 4, 3, nullptr, nullptr, false, [](auto in, auto out) { ktref::YccToRgb(in[0], in[1], in[2], out); }},
+        {CS_YCCK, CS_RGB, 4, 3, nullptr, nullptr, true, [](auto in, auto out) { ktref::YccToRgb(in[0], in[1], in[2], out); }},
+        {CS_HSV, CS_CMYK, 3, 4, nullptr, nullptr, true,
          [](auto in, auto out) {
              const ref::Px3 rgb = ref::HsvToRgb(in[0], in[1], in[2]);
              std::ranges::copy(ref::RgbToCmyk(rgb[0], rgb[1], rgb[2], 175), out);
          }},
-        {"HSV to YCCK direct", CS_HSV, CS_YCCK, 3, 4, nullptr, nullptr, true,
+        {CS_HSV, CS_YCCK, 3, 4, nullptr, nullptr, true,
          [](auto in, auto out) {
              const ref::Px3 rgb = ref::HsvToRgb(in[0], in[1], in[2]);
              PutYcck(out, rgb[0], rgb[1], rgb[2]);
          }},
     };
+    constexpr int kCount = 4096;
     for (const auto& r : routes) {
-        // Padded rows on both sides, 2 bytes at each row's end.
-        const int inStride = r.inBytes * kWidth + 2, outStride = r.outBytes * kWidth + 2;
-        Bytes in = Random(static_cast<std::size_t>(inStride) * kHeight, 7);
-        for (int i = 0; i < 4096; ++i)
-            for (int c = 0; c < 3; ++c)
-                in[(i / kWidth) * inStride + (i % kWidth) * r.inBytes + c] =
-                    static_cast<std::uint8_t>(((i >> (8 - 4 * c)) & 15) * 17);
-        Bytes out(static_cast<std::size_t>(outStride) * kHeight);
+        SCOPED_TRACE(&r - routes);
+        Bytes in(r.inBytes * kCount, 0x5A), out(r.outBytes * kCount);
+        for (int i = 0; i < kCount; ++i)
+            for (int c = 0; c < 3; ++c) in[i * r.inBytes + c] = static_cast<std::uint8_t>(((i >> (8 - 4 * c)) & 15) * 17);
         Handle h(r.src, r.dst, r.params);
         if (r.change) {
-            ASSERT_EQ(Vx_ClrSetConversionParams(h.h, r.change), STATUS_OK) << r.name;
+            ASSERT_EQ(Vx_ClrSetConversionParams(h.h, r.change), STATUS_OK);
         }
-        ASSERT_EQ(r.direct ? Vx_ClrConvertDirect(r.src, r.dst, in.data(), out.data(), kWidth, kHeight, 2, 2)
-                           : Vx_ClrConvert(h.h, in.data(), out.data(), kWidth, kHeight, 2, 2),
-                  STATUS_OK)
-            << r.name;
+        ASSERT_EQ(r.direct ? Vx_ClrConvertDirect(r.src, r.dst, in.data(), out.data(), 64, 64, 0, 0)
+                           : Vx_ClrConvert(h.h, in.data(), out.data(), 64, 64, 0, 0),
+                  STATUS_OK);
         for (int i = 0; i < kCount; ++i) {
             std::uint8_t want[4];
-            r.want(&in[(i / kWidth) * inStride + (i % kWidth) * r.inBytes], want);
-            ASSERT_EQ(std::memcmp(&out[(i / kWidth) * outStride + (i % kWidth) * r.outBytes], want, r.outBytes), 0)
-                << r.name << " pixel " << i;
+            r.want(&in[i * r.inBytes], want);
+            ASSERT_EQ(std::memcmp(&out[i * r.outBytes], want, r.outBytes), 0) << "pixel " << i;
         }
     }
 }
@@ -239,22 +221,21 @@ TEST(ConvertDispatch, SilentPairsAndStatuses) {
         int src, dst;
         std::uint8_t* from;
         KtStatus status;
-        bool writes;
     } rows[] = {
         // One-step pairs without an RGB side.
-        {labHsv.h, 0, 0, in, STATUS_OK, false},
-        {xyzHsv.h, 0, 0, in, STATUS_OK, false},
+        {labHsv.h, 0, 0, in, STATUS_OK},
+        {xyzHsv.h, 0, 0, in, STATUS_OK},
         // Two-step pairs drop the direct conversion's status; the one-step
         // path and Vx_ClrConvertDirect pass the kernel's on.
-        {hlsCmyk.h, 0, 0, badHls, STATUS_OK, false},
-        {hlsRgb.h, 0, 0, badHls, ERR_INVALID_TAG, false},
-        {nullptr, CS_HLS, CS_XYZ, badHls, ERR_INVALID_TAG, false},
+        {hlsCmyk.h, 0, 0, badHls, STATUS_OK},
+        {hlsRgb.h, 0, 0, badHls, ERR_INVALID_TAG},
+        {nullptr, CS_HLS, CS_XYZ, badHls, ERR_INVALID_TAG},
         // A 4-bit RGB destination through RGB is left as it was.
-        {nullptr, CS_HSV, CS_RGB444, in, STATUS_OK, false},
-        {nullptr, CS_YUV422_YUYV, CS_RGB444, in, STATUS_OK, false},
-        {toLab.h, 0, 0, in, STATUS_OK, false},
-        {hsv.h, 0, 0, in, STATUS_OK, false},
-        {hsv2.h, 0, 0, in, ERR_BAD_METHOD, false},
+        {nullptr, CS_HSV, CS_RGB444, in, STATUS_OK},
+        {nullptr, CS_YUV422_YUYV, CS_RGB444, in, STATUS_OK},
+        {toLab.h, 0, 0, in, STATUS_OK},
+        {hsv.h, 0, 0, in, STATUS_OK},
+        {hsv2.h, 0, 0, in, ERR_BAD_METHOD},
     };
     for (const auto& r : rows) {
         std::uint8_t out[8];
@@ -274,14 +255,14 @@ TEST(ConvertDispatch, SilentPairsAndStatuses) {
     EXPECT_TRUE(std::equal(want.begin(), want.end(), out));
 }
 
+// The source layout first (its space, then the sizes), then the
+// destination's; groups before any probe. Probes: (row + padding) x height
+// on each side; a padding below 1 is 0.
 TEST(ConvertDirect, ChecksInOrder) {
     std::uint8_t a[256] = {}, b[256] = {};
-    // The source layout first (its space, then the sizes), then the
-    // destination's; groups before any probe. Probes: (row + padding) x
-    // height on each side; a padding below 1 is 0.
     MappedPages none(1, Access::none), pages(1, Access::readWrite);
     std::uint8_t *bad = none.data(), *end = pages.end();
-    struct Case {
+    const struct {
         int src, dst;
         std::uint8_t *from, *to;
         int width, height, srcPad, dstPad;
@@ -305,14 +286,14 @@ TEST(ConvertDirect, ChecksInOrder) {
                  {CS_RGB, CS_CMYK, a, end - 16, 2, 2, 0, 0, STATUS_OK},
                  {CS_RGB, CS_CMYK, a, end - 15, 2, 2, 0, 0, ERR_BAD_POINTER},
                  {CS_YUV410_PLANAR, CS_RGB, end - 19, b, 4, 4, 0, 0, ERR_BAD_POINTER},
+                 {CS_YUV410_PLANAR, CS_RGB, end - 20, b, 4, 4, 0, 0, STATUS_OK},
                  // In place: equal paddings are refused, different ones copy.
                  {CS_HSV, CS_HSV, a, a, 2, 2, 4, 4, ERR_SAME_BUFFER},
                  {CS_HSV, CS_HSV, a, a, 2, 2, 0, 1, STATUS_OK},
                  {CS_RGB, CS_XYZ, a, a, 2, 2, 4, 4, STATUS_OK}};
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(Vx_ClrConvertDirect(c.src, c.dst, c.from, c.to, c.width, c.height, c.srcPad, c.dstPad), c.status)
             << &c - cases;
-    EXPECT_NE(Vx_ClrConvertDirect(CS_YUV410_PLANAR, CS_RGB, end - 20, b, 4, 4, 0, 0), ERR_BAD_POINTER);
     pages.Protect(0, Access::read);
     EXPECT_EQ(Vx_ClrConvertDirect(CS_RGB, CS_CMYK, a, end - 16, 2, 2, 0, 0), ERR_BAD_POINTER);
 }
