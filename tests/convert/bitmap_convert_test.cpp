@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 #include "ktclr/bitmap.h"
@@ -14,7 +15,6 @@ namespace {
 using test::Bytes;
 using test::Handle;
 using test::MappedPages;
-using test::Random;
 using Access = MappedPages::Access;
 constexpr std::uint32_t kSize = KTCLR_SIZEOF_BITMAP_HANDLE;
 constexpr int kHeight = 3;
@@ -26,9 +26,6 @@ struct Bitmap {
     BitmapHandle b;
 };
 
-// Padding that brings a 24-bit row of `width` pixels to a multiple of 4.
-int DibPad(int width) { return (4 - 3 * width % 4) % 4; }
-
 // Rows of `bits` per pixel, `stride` apart, each converted alone.
 Bytes RowByRow(ClrHandle* h, const Bytes& src, int bits, std::size_t stride, int width, int y) {
     Bytes row(src.begin() + y * stride, src.begin() + y * stride + (bits * width + 7) / 8), out(4 * width);
@@ -38,8 +35,8 @@ Bytes RowByRow(ClrHandle* h, const Bytes& src, int bits, std::size_t stride, int
 }
 
 // The engine's kernels take the alignments as row padding; ICC rows are
-// rounded up to them. Either way the rows land on the bitmap's own, and
-// Vx_ClrConvertDirect's paddings likewise.
+// rounded up to them. Either way the rows land on the bitmap's own (padded
+// to 4 bytes), and Vx_ClrConvertDirect's paddings likewise.
 TEST(BitmapConvert, IntoABitmapHoldsTheConvertedRows) {
     const struct {
         int src, dst, bits;
@@ -55,11 +52,10 @@ TEST(BitmapConvert, IntoABitmapHoldsTheConvertedRows) {
     for (const auto& c : cases) {
         Handle h(c.src, c.dst, c.method);
         const bool iccRows = c.method == METHOD_ICC;
-        for (int width = 1; width <= 6; ++width) {
-            if (c.src == CS_YUV422_YUYV && width % 2) continue;
-            const int dstAlign = iccRows ? 4 : DibPad(width);
+        for (int width = c.src == CS_YUV422_YUYV ? 2 : 1; width <= 6; width += c.src == CS_YUV422_YUYV ? 2 : 1) {
+            const int dstAlign = iccRows ? 4 : (4 - 3 * width % 4) % 4;
             const std::size_t stride = (c.bits * width + 7) / 8 + (iccRows ? 0 : c.srcAlign);
-            Bytes src = Random(stride * kHeight + 8, width);
+            Bytes src = test::Random(stride * kHeight + 8, width);
             Bitmap bmp;
             ASSERT_EQ(c.direct ? Vx_ClrConvertDirectToBitmap(c.src, c.dst, src.data(), &bmp.b, kSize, width, kHeight,
                                                              c.srcAlign, dstAlign)
@@ -69,32 +65,28 @@ TEST(BitmapConvert, IntoABitmapHoldsTheConvertedRows) {
             ASSERT_TRUE(bmp.b.width == width && bmp.b.height == kHeight && bmp.b.bitsPerPixel == 24);
             EXPECT_EQ(bmp.b.colorOrder, VX_BMP_ORDER_DIB);
             for (int y = 0; y < kHeight; ++y)
-                EXPECT_EQ(bmp.Row(y, width), RowByRow(h.h, src, c.bits, stride, width, y))
-                    << c.src << (c.direct ? " direct" : "") << " width " << width << " row " << y;
+                EXPECT_EQ(bmp.Row(y, width), RowByRow(h.h, src, c.bits, stride, width, y)) << &c - cases << " " << width;
         }
     }
 }
 
 TEST(BitmapConvert, ConvertBitmapInPlaceAndIntoASecond) {
-    const struct {
-        int src, dst;
-        std::uint32_t method;
-    } cases[] = {{CS_RGB, CS_HSV, METHOD_BUILTIN}, {CS_BGR, CS_YIQ, METHOD_BUILTIN}, {CS_RGB, CS_LAB, METHOD_ICC}};
-    for (const auto& c : cases) {
-        Handle h(c.src, c.dst, c.method);
+    for (auto [src, dst, method] : {std::tuple{CS_RGB, CS_HSV, METHOD_BUILTIN}, {CS_BGR, CS_YIQ, METHOD_BUILTIN},
+                                    {CS_RGB, CS_LAB, METHOD_ICC}}) {
+        Handle h(src, dst, method);
         for (int width = 1; width <= 5; ++width) {
             for (bool inPlace : {true, false}) {
-                Bitmap src, dst;
-                ASSERT_EQ(Vx_BmpCreate(&src.b, kSize, width, kHeight, 24, VX_BMP_ORDER_BGR), STATUS_OK);
-                ASSERT_EQ(Vx_BmpCreate(&dst.b, kSize, width, kHeight, 24, VX_BMP_ORDER_DIB), STATUS_OK);
-                const Bytes before = Random(src.b.bytesPerLine * kHeight, width);
-                std::memcpy(src.b.data, before.data(), before.size());
-                ASSERT_EQ(Vx_ClrConvertBitmap(h.h, &src.b, inPlace ? nullptr : &dst.b), STATUS_OK);
-                const Bitmap& out = inPlace ? src : dst;
+                Bitmap from, to;
+                ASSERT_EQ(Vx_BmpCreate(&from.b, kSize, width, kHeight, 24, VX_BMP_ORDER_BGR), STATUS_OK);
+                ASSERT_EQ(Vx_BmpCreate(&to.b, kSize, width, kHeight, 24, VX_BMP_ORDER_DIB), STATUS_OK);
+                const Bytes before = test::Random(from.b.bytesPerLine * kHeight, width);
+                std::memcpy(from.b.data, before.data(), before.size());
+                ASSERT_EQ(Vx_ClrConvertBitmap(h.h, &from.b, inPlace ? nullptr : &to.b), STATUS_OK);
+                const Bitmap& out = inPlace ? from : to;
                 for (int y = 0; y < kHeight; ++y)
-                    EXPECT_EQ(out.Row(y, width), RowByRow(h.h, before, 24, src.b.bytesPerLine, width, y))
-                        << c.dst << " width " << width << " row " << y << (inPlace ? " in place" : "");
-                EXPECT_TRUE(inPlace || Bytes(src.b.data, src.b.data + before.size()) == before);
+                    EXPECT_EQ(out.Row(y, width), RowByRow(h.h, before, 24, from.b.bytesPerLine, width, y))
+                        << dst << " " << width << (inPlace ? " in place" : "");
+                EXPECT_TRUE(inPlace || Bytes(from.b.data, from.b.data + before.size()) == before);
                 EXPECT_EQ(out.b.flags, VX_BMP_HAS_DATA);  // accesses ended
             }
         }
@@ -109,6 +101,7 @@ TEST(BitmapConvert, ConvertBitmapInPlaceAndIntoASecond) {
 TEST(BitmapConvert, ToBitmapStatusesInOrder) {
     Handle hsv(CS_HSV, CS_RGB, METHOD_BUILTIN), cmyk(CS_RGB, CS_CMYK, METHOD_BUILTIN);
     MappedPages pages(1, Access::readWrite), none(1, Access::none);
+    auto* unreadable = reinterpret_cast<ClrHandle*>(none.data());
     Bytes src(64), block(KTCLR_SIZEOF_CLR_HANDLE + 64);
     auto* stranger = reinterpret_cast<ClrHandle*>(block.data());
     stranger->structSize = KTCLR_SIZEOF_CLR_HANDLE;
@@ -126,17 +119,14 @@ TEST(BitmapConvert, ToBitmapStatusesInOrder) {
     } rows[] = {
         {hsv.h, 0, 0, nullptr, true, kSize, 2, 1, 0, ERR_INVALID_PARAMETER},
         {hsv.h, 0, 0, s, false, kSize, 2, 1, 0, ERR_INVALID_PARAMETER},
-        {nullptr, 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_POINTER},
-        {reinterpret_cast<ClrHandle*>(none.data()), 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_POINTER},
+        {nullptr, 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_POINTER}, {unreadable, 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_POINTER},
         // (6 + 1) x 2 source bytes are probed.
         {hsv.h, 0, 0, pages.end() - 13, true, kSize, 2, 1, 4, ERR_BAD_POINTER},
         {hsv.h, 0, 0, pages.end() - 14, true, kSize, 2, 1, 4, STATUS_OK},
         {stranger, 0, 0, s, true, kSize, 2, 1, 0, ERR_INVALID_COLOR_HANDLE},
         {cmyk.h, 0, 0, s, true, kSize, 2, 1, 0, ERR_BAD_COLOR_SPACE},
-        {hsv.h, 0, 0, s, true, kSize, 0, 1, 0, ERR_BAD_SIZE},
-        {hsv.h, 0, 0, s, true, kSize, 2, -1, 0, ERR_INVALID_PARAMETER},
-        {hsv.h, 0, 0, s, true, kSize, 1, 1, 0, STATUS_OK, true},
-        {hsv.h, 0, 0, s, true, kSize + 8, 1, 1, 1, STATUS_OK, true},
+        {hsv.h, 0, 0, s, true, kSize, 0, 1, 0, ERR_BAD_SIZE}, {hsv.h, 0, 0, s, true, kSize, 2, -1, 0, ERR_INVALID_PARAMETER},
+        {hsv.h, 0, 0, s, true, kSize, 1, 1, 0, STATUS_OK, true}, {hsv.h, 0, 0, s, true, kSize + 8, 1, 1, 1, STATUS_OK, true},
         {direct, CS_HSV, CS_RGB, nullptr, true, kSize, 2, 0, 0, ERR_INVALID_PARAMETER},
         {direct, CS_HSV, CS_RGB, s, false, kSize, 2, 0, 0, ERR_INVALID_PARAMETER},
         // The handle form answers ERR_BAD_COLOR_SPACE for these destinations.
