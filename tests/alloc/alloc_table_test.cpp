@@ -7,10 +7,9 @@
 #include <functional>
 #include <string>
 
+#include "icc/icc_test_support.h"
 #include "ktclr/bitmap.h"
-#include "ktclr/convert.h"
 #include "ktclr/embedded.h"
-#include "ktclr/icc.h"
 #include "ktclr/icc_curves.h"
 #include "ktclr/narrow.h"
 #include "ktclr/storage.h"
@@ -19,13 +18,8 @@
 namespace kt {
 namespace {
 
+using icctest::Sig;
 using test::Params;
-namespace ctl = mem::testing;
-
-constexpr std::uint32_t Sig(const char (&s)[5]) {
-    return (std::uint32_t(std::uint8_t(s[0])) << 24) | (std::uint32_t(std::uint8_t(s[1])) << 16) |
-           (std::uint32_t(std::uint8_t(s[2])) << 8) | std::uint32_t(std::uint8_t(s[3]));
-}
 
 // What a row's set-up makes and its call uses; all of it goes when the
 // fixture does.
@@ -35,8 +29,7 @@ struct Fixture {
     test::ScratchDir dir;
     ICCXYZNumber xyz[3] = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
     std::uint8_t raw[7] = {1, 2, 3, 4, 5, 6, 7};
-    std::uint8_t pixels[4 * 64] = {};
-    std::uint8_t out[4 * 64] = {};
+    std::uint8_t pixels[4 * 64] = {}, out[4 * 64] = {};
     BitmapHandle bitmap{};
     CmykOptions cmyk = test::Cmyk(100);
     YuvOptions yuv = test::Yuv(raw, 4);
@@ -52,25 +45,19 @@ struct Fixture {
         Vx_FreeICCProfile(&profile);
         Vx_BmpFree(&bitmap);
     }
-    ICCXYZType Xyz(std::uint32_t count) { return ICCXYZType{Sig("XYZ "), 0, xyz, count}; }
-    ICCRawTagType Raw(std::uint32_t count) {
-        ICCRawTagType t{};
-        t.bytes = raw;
-        t.byteCount = count;
-        return t;
-    }
+    ICCXYZType Xyz(std::uint32_t count) { return icctest::XyzOf(xyz, count); }
+    ICCRawTagType Raw(std::uint32_t count) { return ICCRawTagType{0, 0, raw, count}; }
     // Parameters pointing at every option record; a pair reads only its
     // own sides' records.
     ConversionParams WithRecords(std::uint32_t method, std::uint32_t prepare = 0) {
         ConversionParams p = Params(method, prepare);
-        p.cmykOptions = &cmyk;
-        p.yuvOptions = &yuv;
-        p.labOptions = &lab;
-        p.iccOptions = &icc;
+        p.cmykOptions = &cmyk, p.yuvOptions = &yuv, p.labOptions = &lab, p.iccOptions = &icc;
         return p;
     }
     KtStatus Init(int src, int dst, ConversionParams* p) { return Vx_ClrInit(&handle, src, dst, p); }
+    // A file of the scratch folder by its wide and its narrow name.
     std::u16string File(const char* name) { return test::Wide(dir.File(name)); }
+    std::string Narrow(const char* name) { return dir.File(name); }
 };
 
 // A profile with a header and three tags, one of them of an unknown type.
@@ -90,18 +77,15 @@ struct Samples {
     test::Bytes press = test::BuiltinProfile(KTCLR_PROFILE_CMYK_PRESS);
     ProfileMemory memory{KTCLR_SIZEOF_PROFILE_MEMORY, press.data(), static_cast<std::uint32_t>(press.size())};
     test::Bytes tagged;
-    test::Bytes jpeg;  // SOI, JFIF, the tagged profile in one APP2 segment, a scan, EOI
+    std::string jpeg;  // SOI, JFIF, the tagged profile in one APP2 segment, a scan, EOI
     Samples() {
         Fixture f;
         Tagged(f);
         tagged.assign(f.profile.profileData, f.profile.profileData + f.profile.profileSize);
         const std::size_t app2 = 2 + 12 + 2 + tagged.size();
-        jpeg = {0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1, 0, 0,
-                0xFF, 0xE2, std::uint8_t(app2 >> 8), std::uint8_t(app2)};
-        for (char c : std::string("ICC_PROFILE")) jpeg.push_back(std::uint8_t(c));
-        jpeg.insert(jpeg.end(), {0, 1, 1});
-        jpeg.insert(jpeg.end(), tagged.begin(), tagged.end());
-        jpeg.insert(jpeg.end(), {0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 63, 0, 0x12, 0x34, 0xFF, 0xD9});
+        jpeg = std::string("\xFF\xD8\xFF\xE0\0\x10JFIF\0\1\1\0\0\1\0\1\0\0\xFF\xE2", 22) + char(app2 >> 8) + char(app2) +
+               std::string("ICC_PROFILE\0\1\1", 14) + std::string(tagged.begin(), tagged.end()) +
+               std::string("\xFF\xDA\0\x08\1\1\0\0\x3F\0\x12\x34\xFF\xD9", 14);
     }
 };
 Samples& TheSamples() {
@@ -116,27 +100,16 @@ ConversionParams CustomFromFile(Fixture& f, std::uint32_t method) {
     test::SetPath(p.srcProfilePath, f.dir.Write("press.icc", TheSamples().press));
     return p;
 }
-void Jpeg(Fixture& f) { f.dir.Write("in.jpg", TheSamples().jpeg); }
+void Jpeg(Fixture& f) { test::WriteFile(f.dir.File("in.jpg"), TheSamples().jpeg); }
 void IccFile(Fixture& f) { f.dir.Write("in.icc", TheSamples().tagged); }
-void WithBitmap(Fixture& f) { Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 3, 2, 24, VX_BMP_ORDER_BGR); }
+void HeaderOnly(Fixture& f) { Vx_InitICCHeader(&f.profile); }
 // A saving row's set-up: a JPEG file to save into, and the tagged profile.
 void JpegAndProfile(Fixture& f) {
     Jpeg(f);
     Tagged(f);
 }
 // What a failed save must leave: the file byte for byte.
-void SameJpeg(Fixture& f) {
-    const test::Bytes& jpeg = TheSamples().jpeg;
-    EXPECT_EQ(test::ReadFile(f.dir.File("in.jpg")), std::string(jpeg.begin(), jpeg.end()));
-}
-
-ConversionParamsA NarrowParams(std::uint32_t method, std::uint32_t prepare) {
-    ConversionParamsA a;
-    std::memset(&a, 0, sizeof a);
-    a.method = method;
-    a.prepareMethods = prepare;
-    return a;
-}
+void SameJpeg(Fixture& f) { EXPECT_EQ(test::ReadFile(f.dir.File("in.jpg")), TheSamples().jpeg); }
 
 struct Row {
     const char* name;
@@ -185,10 +158,27 @@ Row TagOut(const char* name, std::uint32_t tag, std::uint32_t type, bool remove,
             Tagged, success};
 }
 
+// A curve flattened to its file form, read back by `get`, freed by `free`.
+template <class Curve>
+Row CurveBack(const char* name, Curve curve, KtStatus (*flatten)(unsigned char*, const Curve*),
+              KtStatus (*get)(const unsigned char*, Curve*), void (*free)(Curve*)) {
+    return {name, ERR_NO_MEMORY, [=](Fixture&) {
+                unsigned char flat[32];
+                Curve back{};
+                flatten(flat, &curve);
+                const KtStatus s = get(flat, &back);
+                free(&back);
+                return s;
+            }};
+}
+
 KtStatus FillFromTagged(Fixture& f) {
     const test::Bytes& b = TheSamples().tagged;
     return Vx_FillICCProfileStructure(&f.profile, b.data(), static_cast<std::uint32_t>(b.size()));
 }
+
+std::uint16_t kEntries[2] = {1, 2};
+std::int32_t kParameters[4] = {1, 2, 3, 4};
 
 const Row kRows[] = {
     // Conversion handles.
@@ -219,8 +209,7 @@ const Row kRows[] = {
          ConversionParams p = CustomFromFile(f, METHOD_CUSTOM_ICC);
          f.Init(CS_CMYK, CS_RGB, &p);
      }},
-    {"ConvertIccFromYcck", ERR_ALLOC,
-     [](Fixture& f) { return Vx_ClrConvert(f.handle, f.pixels, f.out, 8, 8, 4, 4); },
+    {"ConvertIccFromYcck", ERR_ALLOC, [](Fixture& f) { return Vx_ClrConvert(f.handle, f.pixels, f.out, 8, 8, 4, 4); },
      [](Fixture& f) {
          ConversionParams p = Params(METHOD_ICC);
          f.Init(CS_YCCK, CS_RGB, &p);
@@ -228,31 +217,26 @@ const Row kRows[] = {
     {"ConvertDirectThroughRgb", ERR_ALLOC,
      [](Fixture& f) { return Vx_ClrConvertDirect(CS_HSV, CS_CMYK, f.pixels, f.out, 8, 8, 0, 0); }},
     {"ClrInitA", ERR_ALLOC, [](Fixture& f) {
-         ConversionParamsA a = NarrowParams(METHOD_CUSTOM_ICC, METHOD_CUSTOM_ICC | METHOD_ICC);
+         ConversionParamsA a{};
+         a.method = METHOD_CUSTOM_ICC, a.prepareMethods = METHOD_CUSTOM_ICC | METHOD_ICC;
          a.srcProfileMemory = &TheSamples().memory;
          std::strcpy(a.dstProfilePath, "missing.icc");
          return Vx_ClrInitA(&f.handle, CS_CMYK, CS_RGB, &a);
      }},
     {"ClrSetConversionParamsA", ERR_ALLOC,
      [](Fixture& f) {
-         ConversionParamsA a = NarrowParams(0, KTCLR_CHANGE_CMYK);
-         a.cmykOptions = &f.cmyk;
+         ConversionParamsA a{};
+         a.prepareMethods = KTCLR_CHANGE_CMYK, a.cmykOptions = &f.cmyk;
          return Vx_ClrSetConversionParamsA(f.handle, &a);
      },
      [](Fixture& f) { f.Init(CS_CMYK, CS_RGB, nullptr); }},
 
     // Bitmaps. The handle form of the conversion into a bitmap drops the
     // fill's status, so a failed fill may still answer STATUS_OK.
-    {"BmpCreate", ERR_ALLOC, [](Fixture& f) {
-         return Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 2, 2, 24, 0);
-     }},
+    {"BmpCreate", ERR_ALLOC, [](Fixture& f) { return Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 2, 2, 24, 0); }},
     {"BmpFillFromDib", ERR_ALLOC, [](Fixture& f) {
          Vx_BmpInfoHeader h{};
-         h.size = KTCLR_SIZEOF_BMP_INFO_HEADER;
-         h.width = 2;
-         h.height = 2;
-         h.planes = 1;
-         h.bitsPerPixel = 24;
+         h.size = KTCLR_SIZEOF_BMP_INFO_HEADER, h.width = h.height = 2, h.planes = 1, h.bitsPerPixel = 24;
          return Vx_BmpFillFromDib(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, &h, f.pixels);
      }},
     {"ClrConvertToBitmap", ERR_ALLOC,
@@ -264,21 +248,19 @@ const Row kRows[] = {
     {"ClrConvertBitmap", ERR_ALLOC, [](Fixture& f) { return Vx_ClrConvertBitmap(f.handle, &f.bitmap, nullptr); },
      [](Fixture& f) {
          f.Init(CS_RGB, CS_HSV, nullptr);
-         WithBitmap(f);
+         Vx_BmpCreate(&f.bitmap, KTCLR_SIZEOF_BITMAP_HANDLE, 3, 2, 24, VX_BMP_ORDER_BGR);
      }},
 
     // Profile records.
     {"InitICCHeader", ERR_NO_MEMORY, [](Fixture& f) { return Vx_InitICCHeader(&f.profile); }},
-    {"SetICCCreator", ERR_NO_MEMORY, [](Fixture& f) { return Vx_SetICCCreator(&f.profile, 3); },
-     [](Fixture& f) { Vx_InitICCHeader(&f.profile); }},
-    {"SetICCRenderingIntent", ERR_NO_MEMORY, [](Fixture& f) { return Vx_SetICCRenderingIntent(&f.profile, 2); },
-     Tagged},
+    {"SetICCCreator", ERR_NO_MEMORY, [](Fixture& f) { return Vx_SetICCCreator(&f.profile, 3); }, HeaderOnly},
+    {"SetICCRenderingIntent", ERR_NO_MEMORY, [](Fixture& f) { return Vx_SetICCRenderingIntent(&f.profile, 2); }, Tagged},
     {"SetICCTagData", ERR_NO_MEMORY,
      [](Fixture& f) {
          ICCXYZType t = f.Xyz(2);
          return Vx_SetICCTagData(&f.profile, &t, Sig("wtpt"), Sig("XYZ "));
      },
-     [](Fixture& f) { Vx_InitICCHeader(&f.profile); }},
+     HeaderOnly},
     {"SetICCTagDataUnknownType", ERR_NO_MEMORY,
      [](Fixture& f) {
          ICCRawTagType raw = f.Raw(3);
@@ -293,8 +275,7 @@ const Row kRows[] = {
          Vx_FreeICCTagType(&file, Sig("XYZ "));
          return s;
      }},
-    {"DeleteICCTag", ERR_NO_MEMORY, [](Fixture& f) { return Vx_DeleteICCTag(&f.profile, Sig("desc"), nullptr); },
-     Tagged},
+    {"DeleteICCTag", ERR_NO_MEMORY, [](Fixture& f) { return Vx_DeleteICCTag(&f.profile, Sig("desc"), nullptr); }, Tagged},
     TagOut("DeleteICCTagHandedOut", Sig("rXYZ"), Sig("XYZ "), true),
     {"DeleteICCTagLast", ERR_NO_MEMORY, [](Fixture& f) { return Vx_DeleteICCTag(&f.profile, Sig("wtpt"), nullptr); },
      [](Fixture& f) {
@@ -303,59 +284,41 @@ const Row kRows[] = {
          Vx_SetICCTagData(&f.profile, &t, Sig("wtpt"), Sig("XYZ "));
      }},
     {"GenerateICCPointer", ERR_NO_MEMORY, [](Fixture& f) { return Vx_GenerateICCPointer(&f.profile); }, Tagged},
+    {"FillICCProfileStructure", ERR_NO_MEMORY, FillFromTagged},
+    {"FillICCProfileStructureOverAHeader", ERR_NO_MEMORY, FillFromTagged, HeaderOnly},
     {"GenerateICCFile", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_GenerateICCFile(&f.profile, f.File("out.icc").c_str()); }, Tagged},
-    {"FillICCProfileStructure", ERR_NO_MEMORY, FillFromTagged},
-    {"FillICCProfileStructureOverAHeader", ERR_NO_MEMORY, FillFromTagged,
-     [](Fixture& f) { Vx_InitICCHeader(&f.profile); }},
-    {"FillICCProfileFromICCFile", ERR_NO_MEMORY,
-     [](Fixture& f) { return Vx_FillICCProfileFromICCFile(f.File("in.icc").c_str(), &f.profile); },
-     IccFile},
-    {"FillICCProfileFromICCFileA", ERR_NO_MEMORY,
-     [](Fixture& f) { return Vx_FillICCProfileFromICCFileA(f.dir.File("in.icc").c_str(), &f.profile); },
-     IccFile},
     {"GenerateICCFileA", ERR_NO_MEMORY,
-     [](Fixture& f) { return Vx_GenerateICCFileA(&f.profile, f.dir.File("out.icc").c_str()); }, Tagged},
+     [](Fixture& f) { return Vx_GenerateICCFileA(&f.profile, f.Narrow("out.icc").c_str()); }, Tagged},
+    {"FillICCProfileFromICCFile", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_FillICCProfileFromICCFile(f.File("in.icc").c_str(), &f.profile); }, IccFile},
+    {"FillICCProfileFromICCFileA", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_FillICCProfileFromICCFileA(f.Narrow("in.icc").c_str(), &f.profile); }, IccFile},
 
     // Profiles in image files. A failed save leaves the file as it was; a
     // JPEG save without its segment buffer answers the positive 8.
-    {"LoadICCProfile", ERR_NO_MEMORY,
-     [](Fixture& f) { return Vx_LoadICCProfile(f.File("in.jpg").c_str(), &f.profile, nullptr); },
-     Jpeg},
-    {"LoadICCProfileA", ERR_NO_MEMORY,
-     [](Fixture& f) { return Vx_LoadICCProfileA(f.dir.File("in.jpg").c_str(), &f.profile, nullptr); },
-     Jpeg},
     // Vx_HasICCProfile answers 0 (no profile) for every failure.
+    {"LoadICCProfile", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_LoadICCProfile(f.File("in.jpg").c_str(), &f.profile, nullptr); }, Jpeg},
+    {"LoadICCProfileA", ERR_NO_MEMORY,
+     [](Fixture& f) { return Vx_LoadICCProfileA(f.Narrow("in.jpg").c_str(), &f.profile, nullptr); }, Jpeg},
     {"HasICCProfile", KtStatus{}, [](Fixture& f) { return Vx_HasICCProfile(f.File("in.jpg").c_str(), nullptr); },
      Jpeg, 1},
-    {"HasICCProfileA", KtStatus{},
-     [](Fixture& f) { return Vx_HasICCProfileA(f.dir.File("in.jpg").c_str(), nullptr); },
+    {"HasICCProfileA", KtStatus{}, [](Fixture& f) { return Vx_HasICCProfileA(f.Narrow("in.jpg").c_str(), nullptr); },
      Jpeg, 1, ERR_NO_MEMORY},  // the name's conversion
     {"SaveICCProfile", ERR_NO_MEMORY,
      [](Fixture& f) { return Vx_SaveICCProfile(f.File("in.jpg").c_str(), &f.profile, nullptr); }, JpegAndProfile,
      STATUS_OK, KtStatus{8}, SameJpeg},
     {"SaveICCProfileA", ERR_NO_MEMORY,
-     [](Fixture& f) { return Vx_SaveICCProfileA(f.dir.File("in.jpg").c_str(), &f.profile, nullptr); }, JpegAndProfile,
+     [](Fixture& f) { return Vx_SaveICCProfileA(f.Narrow("in.jpg").c_str(), &f.profile, nullptr); }, JpegAndProfile,
      STATUS_OK, KtStatus{8}, SameJpeg},
 
-    {"ClrIntGetCurveTypeLittleIndian", ERR_NO_MEMORY, [](Fixture&) {
-         std::uint16_t entries[2] = {1, 2};
-         ICCCurveType curve{Sig("curv"), 0, 2, entries}, back{};
-         unsigned char flat[16];
-         Vx_ConvertCurveTypeToBuffer(flat, &curve);
-         const KtStatus s = Vx_ClrIntGetCurveTypeLittleIndian(flat, &back);
-         Vx_ClrIntIccFreeCurveType(&back);
-         return s;
-     }},
-    {"ClrIntGetParametricCurveTypeLittleIndian", ERR_NO_MEMORY, [](Fixture&) {
-         std::int32_t parameters[4] = {1, 2, 3, 4};
-         ICCParametricCurveType curve{Sig("para"), 0, 2, 0, parameters}, back{};
-         unsigned char flat[32];
-         Vx_ConvertParametricCurveTypeToBuffer(flat, &curve);
-         const KtStatus s = Vx_ClrIntGetParametricCurveTypeLittleIndian(flat, &back);
-         Vx_ClrIntIccFreeParametricCurveType(&back);
-         return s;
-     }},
+    CurveBack<ICCCurveType>("ClrIntGetCurveTypeLittleIndian", {Sig("curv"), 0, 2, kEntries},
+                            Vx_ConvertCurveTypeToBuffer, Vx_ClrIntGetCurveTypeLittleIndian, Vx_ClrIntIccFreeCurveType),
+    CurveBack<ICCParametricCurveType>("ClrIntGetParametricCurveTypeLittleIndian", {Sig("para"), 0, 2, 0, kParameters},
+                                      Vx_ConvertParametricCurveTypeToBuffer,
+                                      Vx_ClrIntGetParametricCurveTypeLittleIndian,
+                                      Vx_ClrIntIccFreeParametricCurveType),
 };
 
 void PrintTo(const Row& row, std::ostream* os) { *os << row.name; }
@@ -372,10 +335,10 @@ TEST_P(AllocationFailure, AnswersItsStatusAndLeavesNothing) {
         {
             Fixture f;
             row.setup(f);
-            ctl::FailNthAllocation(n);
+            mem::testing::FailNthAllocation(n);
             status = row.call(f);
-            fired = ctl::FailureFired();
-            ctl::FailNthAllocation(0);
+            fired = mem::testing::FailureFired();
+            mem::testing::FailNthAllocation(0);
             if (fired) row.after(f);
         }
         EXPECT_EQ(test::Live(), before) << "allocation " << n;
