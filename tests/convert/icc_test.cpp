@@ -18,6 +18,9 @@ using test::Handle;
 using test::Params;
 using test::SetPath;
 
+// The size a profile's header declares.
+std::uint32_t DeclaredSize(const Bytes& b) { return std::uint32_t(b[0]) << 24 | b[1] << 16 | b[2] << 8 | b[3]; }
+
 // A transform made directly through Little CMS from profile bytes, with the
 // intent of the last profile's header. A Lab output gets the handle's +128
 // on a and b. Its input: a grey ramp (white among it), then random pixels.
@@ -27,7 +30,7 @@ public:
             cmsUInt32Number flags = 0)
         : in_(T_CHANNELS(in) + T_EXTRA(in)), out_(T_CHANNELS(out) + T_EXTRA(out)), lab_(T_COLORSPACE(out) == PT_Lab) {
         std::vector<cmsHPROFILE> open;
-        for (const Bytes* b : profiles) open.push_back(cmsOpenProfileFromMem(b->data(), test::DeclaredSize(*b)));
+        for (const Bytes* b : profiles) open.push_back(cmsOpenProfileFromMem(b->data(), DeclaredSize(*b)));
         const cmsUInt32Number intent = open.size() == 2 ? cmsGetHeaderRenderingIntent(open[1]) : 0;
         t_ = cmsCreateMultiprofileTransform(open.data(), static_cast<cmsUInt32Number>(open.size()), in, out, intent,
                                             flags);
@@ -92,7 +95,7 @@ TEST(EmbeddedProfile, SizeProtocol) {
     // The CMY profile's copyright tag lies just past its declared size; the
     // block handed out covers it and eight bytes more.
     const Bytes cmy = BuiltinProfile(KTCLR_PROFILE_CMY);
-    EXPECT_EQ(cmy.size(), test::DeclaredSize(cmy) + 64u);
+    EXPECT_EQ(cmy.size(), DeclaredSize(cmy) + 64u);
     std::int32_t size = 77;
     for (std::int32_t selector : {0, 104, 108, 109, 111, -105})
         EXPECT_EQ(Vx_ClrGetEmbeddedProfile(selector, nullptr, &size), ERR_INVALID_PARAMETER);

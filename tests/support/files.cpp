@@ -1,6 +1,4 @@
 // Files: the scratch folder, whole-file helpers and the file-failure loop.
-#include "support/support.h"
-
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -12,6 +10,7 @@
 #include <iterator>
 
 #include "platform/utf16.h"
+#include "support/support.h"
 
 namespace kt::test {
 
@@ -35,16 +34,14 @@ std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
 
 std::vector<std::string> ScratchDir::Entries() const {
     std::vector<std::string> names;
-    std::error_code ignored;
-    for (const auto& e : fs::directory_iterator(path_, ignored)) names.push_back(e.path().filename());
+    for (const auto& e : fs::directory_iterator(path_)) names.push_back(e.path().filename());
     std::sort(names.begin(), names.end());
     return names;
 }
 
 std::string ReadFile(const std::string& path) {
-    if (!fs::is_regular_file(path)) return "";
     std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
+    return fs::is_regular_file(path) ? std::string(std::istreambuf_iterator<char>(in), {}) : "";
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
@@ -68,27 +65,20 @@ int Run(const std::string& command, std::string* out) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-int ForEachFileFault(const std::function<int()>& run,
-                     const std::function<void(file::faults::Op, int, int)>& check) {
-    using file::faults::Op;
+int ForEachFileFault(const std::function<int()>& run, const std::function<void(file::faults::Op, int, int)>& check) {
     namespace ctl = file::faults::testing;
     int total = 0;
-    for (int k = 0; k < static_cast<int>(Op::count); ++k) {
-        const auto op = static_cast<Op>(k);
+    for (int k = 0; k < static_cast<int>(file::faults::Op::count); ++k) {
+        const auto op = static_cast<file::faults::Op>(k);
         for (int n = 1;; ++n) {
-            if (n > 100000) {
-                ADD_FAILURE() << "operation never completed";
-                break;
-            }
             ctl::FailNth(op, n);
             const int status = run();
             const bool fired = ctl::Fired();
             const int count = static_cast<int>(ctl::Count(op));
             ctl::Reset();
-            if (!fired) {
-                total += count;
-                break;
-            }
+            if (!fired) total += count;
+            if (n == 100000) ADD_FAILURE() << "operation never completed";
+            if (!fired || n == 100000) break;
             check(op, n, status);
         }
     }

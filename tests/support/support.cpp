@@ -28,12 +28,10 @@ int ForEachAllocationFailure(const std::function<int()>& run, const std::functio
     return -1;
 }
 
-Bytes Random(std::size_t n, unsigned seed, int pixelBytes) {
+Bytes Random(std::size_t n, unsigned seed) {
     std::mt19937 rng(seed);
     Bytes b(n);
-    const std::size_t ramp = 256 * static_cast<std::size_t>(pixelBytes);
-    for (std::size_t i = 0; i < n; ++i)
-        b[i] = i < ramp ? static_cast<std::uint8_t>(i / pixelBytes) : static_cast<std::uint8_t>(rng());
+    for (auto& x : b) x = static_cast<std::uint8_t>(rng());
     return b;
 }
 
