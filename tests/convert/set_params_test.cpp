@@ -94,52 +94,46 @@ TEST(SetParams, StatusesOfEachBit) {
 // takes only the masked values (the YUV bytes go into the buffer it has).
 TEST(SetParams, OptionRecordsTakeTheMaskedValues) {
     unsigned char first[4] = {1, 2, 3, 4}, second[4] = {9, 8, 7, 6};
-    YuvOptions yuv = test::Yuv(first, 4);
-    LabOptions lab = test::Lab(0);
-    IccOptions icc{{1, 2, 3, 4, 5}};
+    YuvOptions yuv = test::Yuv(first, 4), change = test::Yuv(second, 4, KTCLR_YUV_VALUE1 | KTCLR_YUV_VALUE4 |
+                                                                            KTCLR_YUV_BUFFER | KTCLR_YUV_VALUE5);
+    LabOptions lab = test::Lab(0), ranges = test::Lab(20, 1u | 4u | 32u);
+    IccOptions icc{{1, 2, 3, 4, 5}}, next{{10, 20, 30, 40, 50}};
+    CmykOptions cmyk = test::Cmyk(90, 0);
     ConversionParams init = Params(METHOD_BUILTIN);
     init.yuvOptions = &yuv, init.labOptions = &lab, init.iccOptions = &icc;
-    Handle made[] = {{CS_YUV, CS_CMYK, &init}, {CS_RGB, CS_LAB, &init}};
-    Handle bare[] = {{CS_CMYK, CS_YUV}, {CS_LAB, CS_RGB}};
-
-    CmykOptions cmyk = test::Cmyk(90, 0);
-    YuvOptions change = test::Yuv(second, 4, KTCLR_YUV_VALUE1 | KTCLR_YUV_VALUE4 | KTCLR_YUV_BUFFER | KTCLR_YUV_VALUE5);
+    Handle madeYuv(CS_YUV, CS_CMYK, &init), madeLab(CS_RGB, CS_LAB, &init), bareYuv(CS_CMYK, CS_YUV),
+        bareLab(CS_LAB, CS_RGB);
     change.values[0] = 11, change.values[1] = 22, change.values[3] = 44, change.value5 = 55;
-    LabOptions ranges = test::Lab(20, 1u | 4u | 32u);
-    IccOptions next{{10, 20, 30, 40, 50}};
     ConversionParams p = Params(0, KTCLR_CHANGE_CMYK | KTCLR_CHANGE_YUV | KTCLR_CHANGE_ICC_OPTIONS);
     p.cmykOptions = &cmyk, p.yuvOptions = &change, p.iccOptions = &next, p.labOptions = &ranges;
-    for (Handle* h : {&made[0], &bare[0]}) ASSERT_EQ(Vx_ClrSetConversionParams(h->h, &p), STATUS_OK);
+    for (Handle* h : {&madeYuv, &bareYuv}) ASSERT_EQ(Vx_ClrSetConversionParams(h->h, &p), STATUS_OK);
     p.prepareMethods = KTCLR_CHANGE_LAB | KTCLR_CHANGE_ICC_OPTIONS;
-    for (Handle* h : {&made[1], &bare[1]}) ASSERT_EQ(Vx_ClrSetConversionParams(h->h, &p), STATUS_OK);
+    for (Handle* h : {&madeLab, &bareLab}) ASSERT_EQ(Vx_ClrSetConversionParams(h->h, &p), STATUS_OK);
 
     // CMYK: copied whole, mask or not; once held, bit 1 of the mask decides.
-    ASSERT_NE(bare[0].h->cmykOptions, nullptr);
-    EXPECT_EQ(bare[0].h->cmykOptions->value, 90u);
+    EXPECT_EQ(bareYuv.h->cmykOptions->value, 90u);
     cmyk.value = 10;
     p.prepareMethods = KTCLR_CHANGE_CMYK;
-    EXPECT_EQ(Vx_ClrSetConversionParams(bare[0].h, &p), STATUS_OK);
-    EXPECT_EQ(bare[0].h->cmykOptions->value, 90u);
+    EXPECT_EQ(Vx_ClrSetConversionParams(bareYuv.h, &p), STATUS_OK);
+    EXPECT_EQ(bareYuv.h->cmykOptions->value, 90u);
     cmyk.validMask = 1;
-    EXPECT_EQ(Vx_ClrSetConversionParams(bare[0].h, &p), STATUS_OK);
-    EXPECT_EQ(bare[0].h->cmykOptions->value, 10u);
-    // YUV.
-    const YuvOptions* y = made[0].h->yuvOptions;
+    EXPECT_EQ(Vx_ClrSetConversionParams(bareYuv.h, &p), STATUS_OK);
+    EXPECT_EQ(bareYuv.h->cmykOptions->value, 10u);
+    // YUV: still the first buffer, now holding the new bytes.
+    const YuvOptions* y = madeYuv.h->yuvOptions;
     EXPECT_TRUE(y->values[0] == 11 && y->values[1] == 0 && y->values[3] == 44 && y->value5 == 55);
-    EXPECT_EQ(y->buffer, first);  // still the first buffer, now holding the new bytes
-    EXPECT_TRUE(first[0] == 9 && first[3] == 6);
-    EXPECT_EQ(bare[0].h->yuvOptions->buffer, second);
+    EXPECT_TRUE(y->buffer == first && first[0] == 9 && first[3] == 6);
+    EXPECT_EQ(bareYuv.h->yuvOptions->buffer, second);
     // Lab: a table of its own with the default ranges, or the masked values.
-    ASSERT_NE(bare[1].h->labTable, nullptr);
-    EXPECT_EQ(bare[1].h->rgbToLabTable, nullptr);
+    EXPECT_EQ(bareLab.h->rgbToLabTable, nullptr);
     const std::int32_t defaults[6] = {0, 100, 128, 170, 96, 200}, masked[6] = {20, 1, 22, 3, 4, 25};
-    EXPECT_TRUE(std::equal(defaults, defaults + 6, bare[1].h->labTable->ranges));
-    EXPECT_TRUE(std::equal(masked, masked + 6, made[1].h->labTable->ranges));
+    EXPECT_TRUE(std::equal(defaults, defaults + 6, bareLab.h->labTable->ranges));
+    EXPECT_TRUE(std::equal(masked, masked + 6, madeLab.h->labTable->ranges));
     // ICC options: the values 0, 1 and 3 of a held copy; a handle made
     // without parameters gets a zeroed copy first.
     const std::uint32_t iccMasked[5] = {10, 20, 3, 40, 5}, iccBare[5] = {10, 20, 0, 40, 0};
-    EXPECT_TRUE(std::equal(iccMasked, iccMasked + 5, made[1].h->iccOptions->values));
-    EXPECT_TRUE(std::equal(iccBare, iccBare + 5, bare[1].h->iccOptions->values));
+    EXPECT_TRUE(std::equal(iccMasked, iccMasked + 5, madeLab.h->iccOptions->values));
+    EXPECT_TRUE(std::equal(iccBare, iccBare + 5, bareLab.h->iccOptions->values));
 }
 
 }  // namespace
