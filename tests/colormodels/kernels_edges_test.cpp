@@ -19,15 +19,9 @@ namespace {
 using test::Case;
 using test::kCases;
 using test::Px3;
-using Bytes = std::vector<std::uint8_t>;
+using test::Bytes;
+using test::Random;
 using Edges = test::AtEveryLevel;
-
-Bytes Random(std::size_t n, unsigned seed) {
-    std::mt19937 rng(seed);
-    Bytes v(n);
-    for (auto& b : v) b = static_cast<std::uint8_t>(rng());
-    return v;
-}
 
 std::size_t Extent(int bytes, int group, int width, int height, int pad) {
     return static_cast<std::size_t>(bytes * width / group + (pad < 1 ? 0 : pad)) * height;
