@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <tuple>
 #include <vector>
 
 #include "ktclr/bitmap.h"
@@ -34,61 +33,52 @@ Bytes RowByRow(ClrHandle* h, const Bytes& src, int bits, std::size_t stride, int
     return out;
 }
 
-// The engine's kernels take the alignments as row padding; ICC rows are
-// rounded up to them. Either way the rows land on the bitmap's own (padded
-// to 4 bytes), and Vx_ClrConvertDirect's paddings likewise.
-TEST(BitmapConvert, IntoABitmapHoldsTheConvertedRows) {
+// Every form against the same pixels converted row by row. Into a bitmap:
+// the engine's kernels take the alignments as row padding, ICC rows are
+// rounded up to them; either way the rows land on the bitmap's own (padded
+// to 4 bytes), and Vx_ClrConvertDirect's paddings likewise. A bitmap: in
+// place or into a second, leaving the first as it was.
+TEST(BitmapConvert, EachFormHoldsTheConvertedRows) {
+    enum Form { handle, direct, inPlace, intoSecond };
     const struct {
         int src, dst, bits;
         std::uint32_t method;
         int srcAlign;
-        bool direct;
+        Form form;
     } cases[] = {
-        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 1, false},     {CS_YIQ, CS_BGR, 24, METHOD_BUILTIN, 5, false},
-        {CS_CMYK, CS_BGR, 32, METHOD_BUILTIN, 2, false},    {CS_YUV422_YUYV, CS_RGB, 16, METHOD_BUILTIN, 3, false},
-        {CS_CMYK, CS_RGB, 32, METHOD_ICC, 4, false},        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 0, true},
-        {CS_YCBCR, CS_BGR, 24, METHOD_BUILTIN, 3, true},    {CS_RGB444, CS_BGR, 16, METHOD_BUILTIN, 2, true},
+        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 1, handle},     {CS_YIQ, CS_BGR, 24, METHOD_BUILTIN, 5, handle},
+        {CS_CMYK, CS_BGR, 32, METHOD_BUILTIN, 2, handle},    {CS_YUV422_YUYV, CS_RGB, 16, METHOD_BUILTIN, 3, handle},
+        {CS_CMYK, CS_RGB, 32, METHOD_ICC, 4, handle},        {CS_HSV, CS_RGB, 24, METHOD_BUILTIN, 0, direct},
+        {CS_YCBCR, CS_BGR, 24, METHOD_BUILTIN, 3, direct},   {CS_RGB444, CS_BGR, 16, METHOD_BUILTIN, 2, direct},
+        {CS_RGB, CS_HSV, 24, METHOD_BUILTIN, 0, inPlace},    {CS_RGB, CS_HSV, 24, METHOD_BUILTIN, 0, intoSecond},
+        {CS_BGR, CS_YIQ, 24, METHOD_BUILTIN, 0, inPlace},    {CS_BGR, CS_YIQ, 24, METHOD_BUILTIN, 0, intoSecond},
+        {CS_RGB, CS_LAB, 24, METHOD_ICC, 0, inPlace},        {CS_RGB, CS_LAB, 24, METHOD_ICC, 0, intoSecond},
     };
     for (const auto& c : cases) {
         Handle h(c.src, c.dst, c.method);
-        const bool iccRows = c.method == METHOD_ICC;
+        const bool iccRows = c.method == METHOD_ICC, bitmap = c.form >= inPlace;
         for (int width = c.src == CS_YUV422_YUYV ? 2 : 1; width <= 6; width += c.src == CS_YUV422_YUYV ? 2 : 1) {
+            SCOPED_TRACE(testing::Message() << &c - cases << " width " << width);
             const int dstAlign = iccRows ? 4 : (4 - 3 * width % 4) % 4;
-            const std::size_t stride = (c.bits * width + 7) / 8 + (iccRows ? 0 : c.srcAlign);
+            Bitmap from, to;
+            ASSERT_EQ(Vx_BmpCreate(&from.b, kSize, width, kHeight, 24, VX_BMP_ORDER_BGR), STATUS_OK);
+            ASSERT_EQ(bitmap ? Vx_BmpCreate(&to.b, kSize, width, kHeight, 24, VX_BMP_ORDER_DIB) : STATUS_OK, STATUS_OK);
+            const std::size_t stride =
+                bitmap ? from.b.bytesPerLine : (c.bits * width + 7) / 8 + (iccRows ? 0 : c.srcAlign);
             Bytes src = test::Random(stride * kHeight + 8, width);
-            Bitmap bmp;
-            ASSERT_EQ(c.direct ? Vx_ClrConvertDirectToBitmap(c.src, c.dst, src.data(), &bmp.b, kSize, width, kHeight,
-                                                             c.srcAlign, dstAlign)
-                               : Vx_ClrConvertToBitmap(h.h, src.data(), &bmp.b, kSize, width, kHeight, c.srcAlign,
-                                                       dstAlign),
+            if (bitmap) std::memcpy(from.b.data, src.data(), stride * kHeight);
+            ASSERT_EQ(bitmap ? Vx_ClrConvertBitmap(h.h, &from.b, c.form == inPlace ? nullptr : &to.b)
+                      : c.form == direct ? Vx_ClrConvertDirectToBitmap(c.src, c.dst, src.data(), &to.b, kSize, width,
+                                                                       kHeight, c.srcAlign, dstAlign)
+                                         : Vx_ClrConvertToBitmap(h.h, src.data(), &to.b, kSize, width, kHeight,
+                                                                 c.srcAlign, dstAlign),
                       STATUS_OK);
-            ASSERT_TRUE(bmp.b.width == width && bmp.b.height == kHeight && bmp.b.bitsPerPixel == 24);
-            EXPECT_EQ(bmp.b.colorOrder, VX_BMP_ORDER_DIB);
-            for (int y = 0; y < kHeight; ++y)
-                EXPECT_EQ(bmp.Row(y, width), RowByRow(h.h, src, c.bits, stride, width, y)) << &c - cases << " " << width;
-        }
-    }
-}
-
-TEST(BitmapConvert, ConvertBitmapInPlaceAndIntoASecond) {
-    for (auto [src, dst, method] : {std::tuple{CS_RGB, CS_HSV, METHOD_BUILTIN}, {CS_BGR, CS_YIQ, METHOD_BUILTIN},
-                                    {CS_RGB, CS_LAB, METHOD_ICC}}) {
-        Handle h(src, dst, method);
-        for (int width = 1; width <= 5; ++width) {
-            for (bool inPlace : {true, false}) {
-                Bitmap from, to;
-                ASSERT_EQ(Vx_BmpCreate(&from.b, kSize, width, kHeight, 24, VX_BMP_ORDER_BGR), STATUS_OK);
-                ASSERT_EQ(Vx_BmpCreate(&to.b, kSize, width, kHeight, 24, VX_BMP_ORDER_DIB), STATUS_OK);
-                const Bytes before = test::Random(from.b.bytesPerLine * kHeight, width);
-                std::memcpy(from.b.data, before.data(), before.size());
-                ASSERT_EQ(Vx_ClrConvertBitmap(h.h, &from.b, inPlace ? nullptr : &to.b), STATUS_OK);
-                const Bitmap& out = inPlace ? from : to;
-                for (int y = 0; y < kHeight; ++y)
-                    EXPECT_EQ(out.Row(y, width), RowByRow(h.h, before, 24, from.b.bytesPerLine, width, y))
-                        << dst << " " << width << (inPlace ? " in place" : "");
-                EXPECT_TRUE(inPlace || Bytes(from.b.data, from.b.data + before.size()) == before);
-                EXPECT_EQ(out.b.flags, VX_BMP_HAS_DATA);  // accesses ended
-            }
+            const Bitmap& out = c.form == inPlace ? from : to;
+            ASSERT_TRUE(out.b.width == width && out.b.height == kHeight && out.b.bitsPerPixel == 24);
+            EXPECT_EQ(out.b.flags, VX_BMP_HAS_DATA);  // accesses ended
+            EXPECT_TRUE(c.form == inPlace || to.b.colorOrder == VX_BMP_ORDER_DIB);
+            EXPECT_TRUE(c.form != intoSecond || std::equal(src.begin(), src.end() - 8, from.b.data));
+            for (int y = 0; y < kHeight; ++y) EXPECT_EQ(out.Row(y, width), RowByRow(h.h, src, c.bits, stride, width, y));
         }
     }
 }
