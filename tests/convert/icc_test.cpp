@@ -177,8 +177,12 @@ TEST_F(CustomIcc, EachSideFromFileMemoryOrFallback) {
     // or unusable bytes.
     enum Source { none, pressFile, srgbFile, displayFile, pressBytes, srgbBytes, missing, junkFile, junkBytes,
                   emptyBytes, badPointer };
-    Bytes junk(300, 0x5A);
+    const Bytes junk(300, 0x5A), one(1);
     const std::string junkPath = dir.Write("junk.icc", junk), displayPath = dir.Write("display.icc", display);
+    const std::pair<const Bytes*, std::string> sources[] = {
+        {nullptr, ""},       {nullptr, pressFile_}, {nullptr, srgbFile_},   {nullptr, displayPath},
+        {&press, ""},        {&srgb, ""},           {nullptr, dir.path() + "/missing.icc"},
+        {nullptr, junkPath}, {&junk, ""},           {&one, ""},             {&one, ""}};
     struct Case {
         int src, dst;
         Source from, to;
@@ -214,19 +218,13 @@ TEST_F(CustomIcc, EachSideFromFileMemoryOrFallback) {
         Bytes copies[2];
         ProfileMemory memory[2];
         auto set = [&](Source s, KtChar16* path, ProfileMemory** slot, int i) {
-            const Bytes* bytes = s == pressBytes ? &press : s == srgbBytes ? &srgb : s == junkBytes ? &junk : nullptr;
-            if (bytes || s == emptyBytes || s == badPointer) {
-                copies[i] = bytes ? *bytes : Bytes(1);
-                memory[i] = {KTCLR_SIZEOF_PROFILE_MEMORY, copies[i].data(), static_cast<std::uint32_t>(copies[i].size())};
-                if (s == emptyBytes) memory[i].length = 0;
-                if (s == badPointer) memory[i].data = reinterpret_cast<void*>(16);
-                *slot = &memory[i];
-                SetPath(path, displayPath);  // not used: the bytes win
-            }
-            const std::string name = s == pressFile ? pressFile_ : s == srgbFile ? srgbFile_
-                                   : s == displayFile ? displayPath : s == junkFile ? junkPath
-                                   : s == missing ? dir.path() + "/missing.icc" : "";
-            if (!name.empty()) SetPath(path, name);
+            const auto& [bytes, file] = sources[s];
+            SetPath(path, bytes ? displayPath : file);  // with bytes, the path is not used
+            if (!bytes) return;
+            copies[i] = *bytes;
+            memory[i] = {KTCLR_SIZEOF_PROFILE_MEMORY, copies[i].data(), s == emptyBytes ? 0u : std::uint32_t(bytes->size())};
+            if (s == badPointer) memory[i].data = reinterpret_cast<void*>(16);
+            *slot = &memory[i];
         };
         set(c.from, p.srcProfilePath, &p.srcProfileMemory, 0);
         set(c.to, p.dstProfilePath, &p.dstProfileMemory, 1);
