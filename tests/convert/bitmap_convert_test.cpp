@@ -165,14 +165,10 @@ TEST(BitmapConvert, ConvertBitmapStatusesInOrder) {
     } rows[] = {
         {hsv.h, nullptr, &a.b, ERR_NULL_ARGUMENT},
         {hsv.h, &a.b, reinterpret_cast<BitmapHandle*>(none.data()), ERR_BAD_POINTER},
-        {hsv.h, &a.b, &tall.b, ERR_BAD_SIZE},
-        {hsv.h, &deep.b, nullptr, ERR_BAD_SIZE},
-        {hsv.h, &a.b, &deep.b, ERR_BAD_SIZE},
-        {hsv.h, &a.b, &rgb.b, ERR_INVALID_PARAMETER},
-        {hsv.h, &gray.b, &dib.b, ERR_INVALID_PARAMETER},
-        {hsv.h, &a.b, &dib.b, STATUS_OK},
-        {hsv.h, &dib.b, &a.b, STATUS_OK},
-        {hsv.h, &gray.b, &gray2.b, STATUS_OK},
+        {hsv.h, &a.b, &tall.b, ERR_BAD_SIZE}, {hsv.h, &deep.b, nullptr, ERR_BAD_SIZE},
+        {hsv.h, &a.b, &deep.b, ERR_BAD_SIZE}, {hsv.h, &a.b, &rgb.b, ERR_INVALID_PARAMETER},
+        {hsv.h, &gray.b, &dib.b, ERR_INVALID_PARAMETER}, {hsv.h, &a.b, &dib.b, STATUS_OK},
+        {hsv.h, &dib.b, &a.b, STATUS_OK}, {hsv.h, &gray.b, &gray2.b, STATUS_OK},
         {hsv.h, &empty.b, nullptr, ERR_BAD_SIZE},  // an empty record has no 24 bits
         {nullptr, &a.b, nullptr, ERR_NULL_ARGUMENT},        // the first row's conversion
     };

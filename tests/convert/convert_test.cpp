@@ -37,21 +37,17 @@ TEST(ConvertChecks, InOrder) {
         int width, height, srcAlign, dstAlign;
         KtStatus status;
     } rows[] = {
-        {nullptr, src, dst, 0, 0, -1, -1, ERR_NULL_ARGUMENT},
-        {lab.h, nullptr, dst, 0, 0, -1, -1, ERR_NULL_ARGUMENT},
-        {lab.h, src, nullptr, 0, 0, -1, -1, ERR_NULL_ARGUMENT},
-        {lab.h, src, dst, 0, 1, -1, -1, ERR_BAD_SIZE},
+        {nullptr, src, dst, 0, 0, -1, -1, ERR_NULL_ARGUMENT}, {lab.h, nullptr, dst, 0, 0, -1, -1, ERR_NULL_ARGUMENT},
+        {lab.h, src, nullptr, 0, 0, -1, -1, ERR_NULL_ARGUMENT}, {lab.h, src, dst, 0, 1, -1, -1, ERR_BAD_SIZE},
         {lab.h, src, dst, 1, 0, -1, -1, ERR_BAD_SIZE},
         // Alignments before the handle probe.
         {unreadable, src, dst, 1, 1, -1, 0, ERR_INVALID_PARAMETER},
-        {unreadable, src, dst, 1, 1, 0, -1, ERR_INVALID_PARAMETER},
-        {unreadable, src, dst, 1, 1, 0, 0, ERR_BAD_POINTER},
+        {unreadable, src, dst, 1, 1, 0, -1, ERR_INVALID_PARAMETER}, {unreadable, src, dst, 1, 1, 0, 0, ERR_BAD_POINTER},
         // Buffers before validation.
         {&fake, pages.end() - pages.page() - 2, dst, 1, 1, 0, 0, ERR_BAD_POINTER},
         {&fake, src, dst, 1, 1, 0, 0, ERR_INVALID_COLOR_HANDLE},
         // In place: the same space with different alignments is refused.
-        {same.h, src, src, 2, 2, 4, 0, ERR_SAME_BUFFER},
-        {same.h, src, src, 2, 2, 4, 4, STATUS_OK},
+        {same.h, src, src, 2, 2, 4, 0, ERR_SAME_BUFFER}, {same.h, src, src, 2, 2, 4, 4, STATUS_OK},
         // An identity handle for an id outside the table has no row size.
         {odd.h, src, dst, 1, 1, 0, 0, ERR_BAD_POINTER},
     };
@@ -222,18 +218,14 @@ TEST(ConvertDispatch, SilentPairsAndStatuses) {
         KtStatus status;
     } rows[] = {
         // One-step pairs without an RGB side.
-        {labHsv.h, 0, 0, in, STATUS_OK},
-        {xyzHsv.h, 0, 0, in, STATUS_OK},
+        {labHsv.h, 0, 0, in, STATUS_OK}, {xyzHsv.h, 0, 0, in, STATUS_OK},
         // Two-step pairs drop the direct conversion's status; the one-step
         // path and Vx_ClrConvertDirect pass the kernel's on.
-        {hlsCmyk.h, 0, 0, badHls, STATUS_OK},
-        {hlsRgb.h, 0, 0, badHls, ERR_INVALID_TAG},
+        {hlsCmyk.h, 0, 0, badHls, STATUS_OK}, {hlsRgb.h, 0, 0, badHls, ERR_INVALID_TAG},
         {nullptr, CS_HLS, CS_XYZ, badHls, ERR_INVALID_TAG},
         // A 4-bit RGB destination through RGB is left as it was.
-        {nullptr, CS_HSV, CS_RGB444, in, STATUS_OK},
-        {nullptr, CS_YUV422_YUYV, CS_RGB444, in, STATUS_OK},
-        {toLab.h, 0, 0, in, STATUS_OK},
-        {hsv.h, 0, 0, in, STATUS_OK},
+        {nullptr, CS_HSV, CS_RGB444, in, STATUS_OK}, {nullptr, CS_YUV422_YUYV, CS_RGB444, in, STATUS_OK},
+        {toLab.h, 0, 0, in, STATUS_OK}, {hsv.h, 0, 0, in, STATUS_OK},
         {hsv2.h, 0, 0, in, ERR_BAD_METHOD},
     };
     for (const auto& r : rows) {
@@ -268,8 +260,7 @@ TEST(ConvertDirect, ChecksInOrder) {
         KtStatus status;
     } cases[] = {{16, CS_RGB, nullptr, b, 1, 1, 0, 0, ERR_INVALID_PARAMETER},
                  {16, CS_RGB, a, nullptr, 1, 1, 0, 0, ERR_INVALID_PARAMETER},
-                 {16, 129, a, b, 0, 0, 0, 0, ERR_BAD_COLOR_SPACE},
-                 {-1, CS_RGB, a, b, 1, 1, 0, 0, ERR_BAD_COLOR_SPACE},
+                 {16, 129, a, b, 0, 0, 0, 0, ERR_BAD_COLOR_SPACE}, {-1, CS_RGB, a, b, 1, 1, 0, 0, ERR_BAD_COLOR_SPACE},
                  {CS_RGB, 145, a, b, 0, 1, 0, 0, ERR_INVALID_PARAMETER},
                  {CS_RGB, 145, a, b, 1, 1, 0, 0, ERR_BAD_COLOR_SPACE},
                  {CS_YUV422_YUYV, CS_RGB, bad, b, 5, 1, 0, 0, ERR_ODD_WIDTH},
@@ -287,8 +278,7 @@ TEST(ConvertDirect, ChecksInOrder) {
                  {CS_YUV410_PLANAR, CS_RGB, end - 19, b, 4, 4, 0, 0, ERR_BAD_POINTER},
                  {CS_YUV410_PLANAR, CS_RGB, end - 20, b, 4, 4, 0, 0, STATUS_OK},
                  // In place: equal paddings are refused, different ones copy.
-                 {CS_HSV, CS_HSV, a, a, 2, 2, 4, 4, ERR_SAME_BUFFER},
-                 {CS_HSV, CS_HSV, a, a, 2, 2, 0, 1, STATUS_OK},
+                 {CS_HSV, CS_HSV, a, a, 2, 2, 4, 4, ERR_SAME_BUFFER}, {CS_HSV, CS_HSV, a, a, 2, 2, 0, 1, STATUS_OK},
                  {CS_RGB, CS_XYZ, a, a, 2, 2, 4, 4, STATUS_OK}};
     for (const auto& c : cases)
         EXPECT_EQ(Vx_ClrConvertDirect(c.src, c.dst, c.from, c.to, c.width, c.height, c.srcPad, c.dstPad), c.status)

@@ -54,19 +54,14 @@ TEST(HandleInit, SpacesAndMethods) {
     } rows[] = {
         // The identity shortcut comes before the range check, unless the
         // custom-ICC bit is prepared.
-        {200, 200, false, 0, 0, STATUS_OK},
-        {200, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
-        {0, 16, false, 0, 0, ERR_UNSUPPORTED_SPACE},
-        {129, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
-        {0, 145, false, 0, 0, ERR_UNSUPPORTED_SPACE},
-        {-1, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {200, 200, false, 0, 0, STATUS_OK}, {200, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {0, 16, false, 0, 0, ERR_UNSUPPORTED_SPACE}, {129, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {0, 145, false, 0, 0, ERR_UNSUPPORTED_SPACE}, {-1, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
         {200, 200, true, kBuiltin, kBuiltin | METHOD_CUSTOM_ICC, ERR_UNSUPPORTED_SPACE},
-        {CS_LAB, CS_LAB, true, kBuiltin, kBuiltin, STATUS_OK},
-        {CS_RGB, CS_HSV, false, 0, 0, STATUS_OK, kBuiltin},
+        {CS_LAB, CS_LAB, true, kBuiltin, kBuiltin, STATUS_OK}, {CS_RGB, CS_HSV, false, 0, 0, STATUS_OK, kBuiltin},
         // Builtin, ICC, none prepared; the method in force need only share
         // a bit with the prepared set.
-        {CS_RGB, CS_HSV, true, 1, 64, ERR_BAD_METHOD},
-        {CS_RGB, CS_HSV, true, 2, 1, ERR_BAD_METHOD},
+        {CS_RGB, CS_HSV, true, 1, 64, ERR_BAD_METHOD}, {CS_RGB, CS_HSV, true, 2, 1, ERR_BAD_METHOD},
         {CS_RGB, CS_HSV, true, 0, 1, ERR_BAD_METHOD},
         {CS_RGB, CS_HSV, true, kBuiltin | 64, kBuiltin, STATUS_OK, kBuiltin | 64},
         // An ICC path needs an ICC format on both sides; a two-step pair
@@ -75,11 +70,9 @@ TEST(HandleInit, SpacesAndMethods) {
         {CS_HSV, CS_YIQ, true, kBuiltin, kBuiltin | kIcc, STATUS_OK, kBuiltin},
         // The automatic choice; only both fields at 32 ask for it, 32 beside
         // a real bit is taken as the method in force.
-        {CS_RGB, CS_HSV, true, kAuto, kAuto, ERR_BAD_METHOD},
-        {CS_LAB, CS_BGR, true, kAuto, kAuto, STATUS_OK, kBuiltin},
+        {CS_RGB, CS_HSV, true, kAuto, kAuto, ERR_BAD_METHOD}, {CS_LAB, CS_BGR, true, kAuto, kAuto, STATUS_OK, kBuiltin},
         {CS_HSV, CS_YIQ, true, kAuto, kAuto, STATUS_OK, kBuiltin},
-        {CS_RGB, CS_CMYK, true, kAuto, kAuto, STATUS_OK, kIcc},
-        {CS_YCCK, CS_RGB, true, kAuto, kAuto, STATUS_OK, kIcc},
+        {CS_RGB, CS_CMYK, true, kAuto, kAuto, STATUS_OK, kIcc}, {CS_YCCK, CS_RGB, true, kAuto, kAuto, STATUS_OK, kIcc},
         {CS_LAB, CS_RGB, true, kAuto, kBuiltin, ERR_BAD_METHOD},
         {CS_LAB, CS_RGB, true, kAuto, kAuto | kBuiltin, STATUS_OK, kAuto},
     };

@@ -67,8 +67,7 @@ struct Side {
 };
 const Side kSides[] = {{CS_RGB, KTCLR_PROFILE_RGB_DISPLAY, TYPE_RGB_8},
                        {CS_BGR, KTCLR_PROFILE_RGB_DISPLAY, TYPE_BGR_8},
-                       {CS_CMYK, KTCLR_PROFILE_CMYK_PRESS, TYPE_CMYK_8},
-                       {CS_CMY, KTCLR_PROFILE_CMY, TYPE_CMY_8},
+                       {CS_CMYK, KTCLR_PROFILE_CMYK_PRESS, TYPE_CMYK_8}, {CS_CMY, KTCLR_PROFILE_CMY, TYPE_CMY_8},
                        {CS_LAB, KTCLR_PROFILE_LAB, TYPE_Lab_8}};
 
 TEST(EmbeddedProfile, SizeProtocol) {
@@ -201,14 +200,10 @@ TEST_F(CustomIcc, EachSideFromFileMemoryOrFallback) {
         {CS_CMYK, CS_BGR, none, srgbFile, STATUS_OK, {&press, &srgb}, TYPE_CMYK_8, TYPE_BGR_8},
         // No profiles: a Lab side has no fallback; the display profile alone
         // cannot take CMYK pixels, nor the CMY profile alone make CMY.
-        {CS_RGB, CS_LAB, none, none, ERR_PROFILE_COUNT},
-        {CS_RGB, CS_LAB, missing, missing, ERR_PROFILE_COUNT},
-        {CS_CMYK, CS_RGB, none, none, ERR_BAD_COLOR_SPACE},
-        {CS_RGB, CS_CMY, none, none, ERR_BAD_COLOR_SPACE},
-        {CS_HSV, CS_RGB, none, none, ERR_NO_ICC_FORMAT},
-        {CS_RGB, CS_YCBCR, none, none, ERR_NO_ICC_FORMAT},
-        {CS_RGB, CS_CMYK, junkBytes, none, ERR_PROFILE_OPEN},
-        {CS_RGB, CS_CMYK, none, junkFile, ERR_PROFILE_OPEN},
+        {CS_RGB, CS_LAB, none, none, ERR_PROFILE_COUNT}, {CS_RGB, CS_LAB, missing, missing, ERR_PROFILE_COUNT},
+        {CS_CMYK, CS_RGB, none, none, ERR_BAD_COLOR_SPACE}, {CS_RGB, CS_CMY, none, none, ERR_BAD_COLOR_SPACE},
+        {CS_HSV, CS_RGB, none, none, ERR_NO_ICC_FORMAT}, {CS_RGB, CS_YCBCR, none, none, ERR_NO_ICC_FORMAT},
+        {CS_RGB, CS_CMYK, junkBytes, none, ERR_PROFILE_OPEN}, {CS_RGB, CS_CMYK, none, junkFile, ERR_PROFILE_OPEN},
         {CS_RGB, CS_CMYK, emptyBytes, none, ERR_INVALID_PARAMETER},
         {CS_RGB, CS_CMYK, badPointer, none, ERR_INVALID_PARAMETER},
     };
