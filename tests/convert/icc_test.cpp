@@ -21,44 +21,30 @@ using test::SetPath;
 // The size a profile's header declares.
 std::uint32_t DeclaredSize(const Bytes& b) { return std::uint32_t(b[0]) << 24 | b[1] << 16 | b[2] << 8 | b[3]; }
 
-// A transform made directly through Little CMS from profile bytes, with the
-// intent of the last profile's header. A Lab output gets the handle's +128
-// on a and b. Its input: a grey ramp (white among it), then random pixels.
-class Witness {
-public:
-    Witness(const std::vector<const Bytes*>& profiles, cmsUInt32Number in, cmsUInt32Number out,
-            cmsUInt32Number flags = 0)
-        : in_(T_CHANNELS(in) + T_EXTRA(in)), out_(T_CHANNELS(out) + T_EXTRA(out)), lab_(T_COLORSPACE(out) == PT_Lab) {
-        std::vector<cmsHPROFILE> open;
-        for (const Bytes* b : profiles) open.push_back(cmsOpenProfileFromMem(b->data(), DeclaredSize(*b)));
-        const cmsUInt32Number intent = open.size() == 2 ? cmsGetHeaderRenderingIntent(open[1]) : 0;
-        t_ = cmsCreateMultiprofileTransform(open.data(), static_cast<cmsUInt32Number>(open.size()), in, out, intent,
-                                            flags);
-        for (cmsHPROFILE p : open) cmsCloseProfile(p);
-    }
-    ~Witness() {
-        if (t_) cmsDeleteTransform(t_);
-    }
-    Witness(const Witness&) = delete;
-    Witness& operator=(const Witness&) = delete;
-
-    // The handle writes what Little CMS writes.
-    void ExpectSame(ClrHandle* h) const {
-        constexpr int kPixels = 3000;
-        Bytes in = test::Random(kPixels * in_, 5), mine(kPixels * out_), theirs(kPixels * out_);
-        for (int i = 0; i < 256 * in_; ++i) in[i] = static_cast<std::uint8_t>(i / in_);
-        EXPECT_EQ(Vx_ClrConvert(h, in.data(), mine.data(), kPixels, 1, 0, 0), STATUS_OK);
-        ASSERT_NE(t_, nullptr);
-        cmsDoTransform(t_, in.data(), theirs.data(), kPixels);
-        for (int i = 0; lab_ && i < kPixels * 3; i += 3) theirs[i + 1] += 128, theirs[i + 2] += 128;
-        EXPECT_EQ(mine, theirs);
-    }
-
-private:
-    int in_, out_;
-    bool lab_;
-    cmsHTRANSFORM t_ = nullptr;
-};
+// The handle writes what a transform made directly through Little CMS
+// writes, from the same profile bytes with the intent of the last
+// profile's header; a Lab output gets the handle's +128 on a and b. The
+// input: a grey ramp (white among it), then random pixels.
+void ExpectSameAsLcms(ClrHandle* h, const std::vector<const Bytes*>& profiles, cmsUInt32Number inFormat,
+                      cmsUInt32Number outFormat, cmsUInt32Number flags = 0) {
+    std::vector<cmsHPROFILE> open;
+    for (const Bytes* b : profiles) open.push_back(cmsOpenProfileFromMem(b->data(), DeclaredSize(*b)));
+    const cmsUInt32Number intent = open.size() == 2 ? cmsGetHeaderRenderingIntent(open[1]) : 0;
+    cmsHTRANSFORM t = cmsCreateMultiprofileTransform(open.data(), static_cast<cmsUInt32Number>(open.size()), inFormat,
+                                                     outFormat, intent, flags);
+    for (cmsHPROFILE p : open) cmsCloseProfile(p);
+    ASSERT_NE(t, nullptr);
+    constexpr int kPixels = 3000;
+    const int in = T_CHANNELS(inFormat) + T_EXTRA(inFormat), out = T_CHANNELS(outFormat) + T_EXTRA(outFormat);
+    Bytes pixels = test::Random(kPixels * in, 5), mine(kPixels * out), theirs(kPixels * out);
+    for (int i = 0; i < 256 * in; ++i) pixels[i] = static_cast<std::uint8_t>(i / in);
+    EXPECT_EQ(Vx_ClrConvert(h, pixels.data(), mine.data(), kPixels, 1, 0, 0), STATUS_OK);
+    cmsDoTransform(t, pixels.data(), theirs.data(), kPixels);
+    cmsDeleteTransform(t);
+    for (int i = 0; T_COLORSPACE(outFormat) == PT_Lab && i < kPixels * 3; i += 3)
+        theirs[i + 1] += 128, theirs[i + 2] += 128;
+    EXPECT_EQ(mine, theirs);
+}
 
 struct Side {
     int space;
@@ -116,7 +102,7 @@ TEST(IccMethod, EveryPairMatchesLittleCms) {
                     continue;
                 }
                 const Bytes sp = BuiltinProfile(s.selector), dp = BuiltinProfile(d.selector);
-                Witness({&sp, &dp}, s.format, d.format, flags ? cmsFLAGS_NOWHITEONWHITEFIXUP : 0).ExpectSame(h.h);
+                ExpectSameAsLcms(h.h, {&sp, &dp}, s.format, d.format, flags ? cmsFLAGS_NOWHITEONWHITEFIXUP : 0);
             }
 }
 
@@ -131,7 +117,7 @@ TEST(IccMethod, RebuildAndFailures) {
     change.iccFlags = 1;
     ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
     const Bytes press = BuiltinProfile(KTCLR_PROFILE_CMYK_PRESS), rgb = BuiltinProfile(KTCLR_PROFILE_RGB_DISPLAY);
-    Witness({&press, &rgb}, TYPE_CMYK_8, TYPE_RGB_8, cmsFLAGS_NOWHITEONWHITEFIXUP).ExpectSame(h.h);
+    ExpectSameAsLcms(h.h, {&press, &rgb}, TYPE_CMYK_8, TYPE_RGB_8, cmsFLAGS_NOWHITEONWHITEFIXUP);
 
     // A pair through RGB in two steps builds no transform; a later rebuild
     // finds no built-in profile for its ids.
@@ -228,12 +214,12 @@ TEST_F(CustomIcc, EachSideFromFileMemoryOrFallback) {
         if (c.status != STATUS_OK) continue;
         EXPECT_EQ(h.h->iccTransform, nullptr);
         for (Bytes& b : copies) std::fill(b.begin(), b.end(), 0);
-        Witness(c.witness, c.in, c.out).ExpectSame(h.h);
+        ExpectSameAsLcms(h.h, c.witness, c.in, c.out);
         // Rebuilding uses what the handle kept.
         ConversionParams change = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
         if (c.from != pressBytes) continue;
         ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
-        Witness(c.witness, c.in, c.out).ExpectSame(h.h);
+        ExpectSameAsLcms(h.h, c.witness, c.in, c.out);
     }
 }
 
@@ -242,8 +228,8 @@ TEST_F(CustomIcc, SetParamsRebuilds) {
     SetPath(p.srcProfilePath, pressFile_);
     Handle h(CS_CMYK, CS_RGB, &p);
     ASSERT_NE(h.h, nullptr);
-    const Witness withDisplay({&press, &display}, TYPE_CMYK_8, TYPE_RGB_8);
-    withDisplay.ExpectSame(h.h);
+    const auto withDisplay = [&] { ExpectSameAsLcms(h.h, {&press, &display}, TYPE_CMYK_8, TYPE_RGB_8); };
+    withDisplay();
 
     // Bit 2: new paths, rebuilt with the caller's flags.
     ConversionParams change = Params(0, KTCLR_CHANGE_CUSTOM_PROFILES);
@@ -251,7 +237,7 @@ TEST_F(CustomIcc, SetParamsRebuilds) {
     SetPath(change.dstProfilePath, srgbFile_);
     change.iccFlags = 1;
     ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
-    Witness({&press, &srgb}, TYPE_CMYK_8, TYPE_RGB_8, cmsFLAGS_NOWHITEONWHITEFIXUP).ExpectSame(h.h);
+    ExpectSameAsLcms(h.h, {&press, &srgb}, TYPE_CMYK_8, TYPE_RGB_8, cmsFLAGS_NOWHITEONWHITEFIXUP);
 
     // Bit 4 with bit 2 under the custom method: paths first, then rebuild.
     IccOptions options{{7, 8, 9, 10, 11}};
@@ -259,7 +245,7 @@ TEST_F(CustomIcc, SetParamsRebuilds) {
     change.iccOptions = &options;
     SetPath(change.srcProfilePath, pressFile_);
     ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
-    withDisplay.ExpectSame(h.h);
+    withDisplay();
     EXPECT_EQ(h.h->iccOptions->values[0], 7u);
 
     // A file that went missing: the rebuild fails and leaves no transform;
@@ -272,7 +258,7 @@ TEST_F(CustomIcc, SetParamsRebuilds) {
     EXPECT_EQ(h.h->customIccTransform, nullptr);
     change = Params(METHOD_ICC, KTCLR_CHANGE_METHOD);
     ASSERT_EQ(Vx_ClrSetConversionParams(h.h, &change), STATUS_OK);
-    withDisplay.ExpectSame(h.h);
+    withDisplay();
 }
 
 }  // namespace
