@@ -1,5 +1,5 @@
-// Vx_ClrInit, Vx_ClrIsValid and Vx_ClrFree: the checks in order, the
-// automatic choice, the bad option records, the list of live handles and
+// Vx_ClrInit, Vx_ClrIsValid and Vx_ClrFree: the checks in order (the
+// parameter record's with Vx_ClrSetConversionParams'), the automatic choice, the bad option records, the list of live handles and
 // the unload sweep. What each pair's handle holds, the copied option
 // records included, shows in how it converts: convert_test.cpp.
 #include <gtest/gtest.h>
@@ -15,30 +15,52 @@ using test::Handle;
 using test::MappedPages;
 using test::Params;
 
-TEST(HandleInit, ArgumentChecksInOrder) {
-    ConversionParams p = Params(METHOD_BUILTIN);
-    p.structSize = 1625;
-    EXPECT_EQ(Vx_ClrInit(nullptr, CS_RGB, CS_HSV, &p), ERR_INVALID_PARAMETER);
-    // A bad size is refused before anything is allocated.
-    mem::testing::ResetAllocationCount();
-    Handle h;
-    EXPECT_EQ(h.Init(CS_RGB, CS_HSV, &p), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(mem::testing::AllocationCount(), 0);
-    EXPECT_EQ(h.h, nullptr);
-    // The short form ends before iccFlags: a record whose iccFlags lies on
-    // an inaccessible page is fine at 1624 and unreadable at 1628.
+// The parameter record's checks in order, at creation and by
+// Vx_ClrSetConversionParams. The short form ends before iccFlags: a record
+// whose iccFlags lies on an unreadable page is fine at the short size and
+// unreadable at the long one. A bad size is refused before any allocation.
+TEST(ParamsRecord, ChecksInOrder) {
+    Handle live(CS_RGB, CS_HSV);
+    ClrHandle copy = *live.h;  // readable, but no live handle
     MappedPages pages(2, MappedPages::Access::readWrite);
     pages.Protect(1, MappedPages::Access::none);
+    std::uint8_t* guard = pages.data() + pages.page();
     const std::size_t shortBytes = offsetof(ConversionParams, iccFlags);
-    auto* edge = reinterpret_cast<ConversionParams*>(pages.data() + pages.page() - shortBytes);
-    std::memcpy(edge, &p, shortBytes);
-    edge->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
-    EXPECT_EQ(h.Init(CS_RGB, CS_HSV, edge), ERR_BAD_POINTER);
-    edge->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
-    ASSERT_EQ(h.Init(CS_RGB, CS_HSV, edge), STATUS_OK);
-    Handle other;
-    EXPECT_EQ(other.Init(CS_RGB, CS_HSV, reinterpret_cast<ConversionParams*>(pages.end() - pages.page())),
-              ERR_BAD_POINTER);
+    auto* edge = reinterpret_cast<ConversionParams*>(guard - shortBytes);
+    ConversionParams init = Params(METHOD_BUILTIN), badSize = init, set = Params(0, 0);
+    badSize.structSize = 1625, set.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
+    constexpr std::uint32_t kShort = KTCLR_SIZEOF_CONVERSION_PARAMS, kLong = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
+    const struct {
+        bool set;
+        ClrHandle* h;  // at creation: whether there is somewhere to put one
+        ConversionParams* p;
+        std::uint32_t edgeSize;  // nonzero: *p copied to the edge with this size
+        KtStatus status;
+    } rows[] = {
+        {false, nullptr, &badSize, 0, ERR_INVALID_PARAMETER}, {false, live.h, &badSize, 0, ERR_BAD_STRUCT_SIZE},
+        {false, live.h, &init, kLong, ERR_BAD_POINTER}, {false, live.h, &init, kShort, STATUS_OK},
+        {false, live.h, reinterpret_cast<ConversionParams*>(guard), 0, ERR_BAD_POINTER},
+        {true, live.h, nullptr, 0, ERR_INVALID_PARAMETER}, {true, nullptr, &badSize, 0, ERR_BAD_STRUCT_SIZE},
+        {true, nullptr, &set, 0, ERR_INVALID_PARAMETER}, {true, live.h, &set, kShort, STATUS_OK},
+        {true, live.h, &set, kLong, ERR_BAD_POINTER}, {true, reinterpret_cast<ClrHandle*>(guard), &set, 0, ERR_BAD_POINTER},
+        {true, &copy, &set, 0, ERR_INVALID_COLOR_HANDLE},
+    };
+    for (const auto& r : rows) {
+        ConversionParams* p = r.p;
+        if (r.edgeSize) std::memcpy(edge, r.p, shortBytes), edge->structSize = r.edgeSize, p = edge;
+        mem::testing::ResetAllocationCount();
+        ClrHandle* made = nullptr;
+        EXPECT_EQ(r.set ? Vx_ClrSetConversionParams(r.h, p) : Vx_ClrInit(r.h ? &made : nullptr, CS_RGB, CS_HSV, p),
+                  r.status)
+            << &r - rows;
+        EXPECT_TRUE(r.status != ERR_BAD_STRUCT_SIZE || mem::testing::AllocationCount() == 0) << &r - rows;
+        EXPECT_EQ(made != nullptr, !r.set && r.status == STATUS_OK) << &r - rows;
+        EXPECT_TRUE(!made || Vx_ClrFree(made) == STATUS_OK);
+    }
+    // An empty mask changes nothing.
+    const ClrHandle before = *live.h;
+    EXPECT_EQ(Vx_ClrSetConversionParams(live.h, &set), STATUS_OK);
+    EXPECT_EQ(std::memcmp(&before, live.h, sizeof before), 0);
 }
 
 // Which statuses the spaces and methods give, and the method a handle then

@@ -1,6 +1,6 @@
-// Vx_ClrSetConversionParams: argument checks in order, the statuses of each
-// bit of the change mask, and what each option bit copies (the ICC bits:
-// icc_test.cpp; the Lab table's white point: ConvertDispatch).
+// Vx_ClrSetConversionParams: the statuses of each bit of the change mask,
+// and what each option bit copies (argument checks: handle_test.cpp; the
+// ICC bits: icc_test.cpp; the Lab table's white point: ConvertDispatch).
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -12,35 +12,7 @@ namespace kt {
 namespace {
 
 using test::Handle;
-using test::MappedPages;
 using test::Params;
-
-TEST(SetParams, ArgumentChecksInOrder) {
-    Handle h(CS_RGB, CS_HSV);
-    ConversionParams p = Params(0, 0);
-    EXPECT_EQ(Vx_ClrSetConversionParams(h.h, nullptr), ERR_INVALID_PARAMETER);
-    p.structSize = 1625;
-    EXPECT_EQ(Vx_ClrSetConversionParams(nullptr, &p), ERR_BAD_STRUCT_SIZE);
-    p.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
-    EXPECT_EQ(Vx_ClrSetConversionParams(nullptr, &p), ERR_INVALID_PARAMETER);
-
-    MappedPages pages(2, MappedPages::Access::readWrite);
-    pages.Protect(1, MappedPages::Access::none);
-    auto* edge = reinterpret_cast<ConversionParams*>(pages.data() + pages.page() - offsetof(ConversionParams, iccFlags));
-    std::memcpy(edge, &p, offsetof(ConversionParams, iccFlags));
-    EXPECT_EQ(Vx_ClrSetConversionParams(h.h, edge), STATUS_OK);
-    edge->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
-    EXPECT_EQ(Vx_ClrSetConversionParams(h.h, edge), ERR_BAD_POINTER);
-    EXPECT_EQ(Vx_ClrSetConversionParams(reinterpret_cast<ClrHandle*>(pages.data() + pages.page()), &p),
-              ERR_BAD_POINTER);
-    ClrHandle copy = *h.h;
-    EXPECT_EQ(Vx_ClrSetConversionParams(&copy, &p), ERR_INVALID_COLOR_HANDLE);
-
-    // An empty mask changes nothing.
-    const ClrHandle before = *h.h;
-    EXPECT_EQ(Vx_ClrSetConversionParams(h.h, &p), STATUS_OK);
-    EXPECT_EQ(std::memcmp(&before, h.h, sizeof before), 0);
-}
 
 // Each bit refuses a handle without its space and a missing record; the
 // method bit refuses only the unprepared ICC methods. Steps done before a
