@@ -134,6 +134,7 @@ const double kSetMatrix[9] = {2.830880641937256,   -1.0300474166870117, -0.56046
                               0.2055138498544693,  -0.5249314904212952, 1.7662780284881592};
 
 void Put(std::uint8_t* out, ktref::Rgb c, bool bgr) { out[bgr ? 2 : 0] = c.r, out[1] = c.g, out[bgr ? 0 : 2] = c.b; }
+ref::Px3 Hsv(const std::uint8_t* in) { return ref::HsvToRgb(in[0], in[1], in[2]); }
 void PutYcck(std::uint8_t* out, int r, int g, int b) {
     const ktref::Ycc y = ktref::RgbToYcc(r, g, b);
     out[0] = y.y, out[1] = y.cb, out[2] = y.cr, out[3] = 0;
@@ -170,15 +171,8 @@ TEST(ConvertDispatch, RoutesAndHandleExtras) {
         {CS_YCCK, CS_RGB, 4, 3, nullptr, nullptr, false, [](auto in, auto out) { ktref::YccToRgb(in[0], in[1], in[2], out); }},
         {CS_YCCK, CS_RGB, 4, 3, nullptr, nullptr, true, [](auto in, auto out) { ktref::YccToRgb(in[0], in[1], in[2], out); }},
         {CS_HSV, CS_CMYK, 3, 4, nullptr, nullptr, true,
-         [](auto in, auto out) {
-             const ref::Px3 rgb = ref::HsvToRgb(in[0], in[1], in[2]);
-             std::ranges::copy(ref::RgbToCmyk(rgb[0], rgb[1], rgb[2], 175), out);
-         }},
-        {CS_HSV, CS_YCCK, 3, 4, nullptr, nullptr, true,
-         [](auto in, auto out) {
-             const ref::Px3 rgb = ref::HsvToRgb(in[0], in[1], in[2]);
-             PutYcck(out, rgb[0], rgb[1], rgb[2]);
-         }},
+         [](auto in, auto out) { std::ranges::copy(ref::RgbToCmyk(Hsv(in)[0], Hsv(in)[1], Hsv(in)[2], 175), out); }},
+        {CS_HSV, CS_YCCK, 3, 4, nullptr, nullptr, true, [](auto in, auto out) { PutYcck(out, Hsv(in)[0], Hsv(in)[1], Hsv(in)[2]); }},
     };
     constexpr int kCount = 4096;
     for (const auto& r : routes) {
@@ -201,16 +195,19 @@ TEST(ConvertDispatch, RoutesAndHandleExtras) {
     }
 }
 
-// Pairs that write nothing or drop a status. An HLS pixel without
+// Pairs that write nothing or drop a status; ICC methods without a
+// transform refuse with a null argument. An HLS pixel without
 // saturation but with a hue fails its kernel.
 TEST(ConvertDispatch, SilentPairsAndStatuses) {
     std::uint8_t in[8] = {200, 10, 20, 30, 40, 50}, badHls[6] = {1, 100, 0, 1, 100, 0};
     ConversionParams builtin = Params(METHOD_BUILTIN);
     Handle labHsv(CS_LAB, CS_HSV, &builtin), xyzHsv(CS_XYZ, CS_HSV, &builtin), hlsCmyk(CS_HLS, CS_CMYK, &builtin),
-        hlsRgb(CS_HLS, CS_RGB), toLab(CS_RGB, CS_LAB), hsv(CS_RGB, CS_HSV), hsv2(CS_RGB, CS_HSV);
+        hlsRgb(CS_HLS, CS_RGB), toLab(CS_RGB, CS_LAB), hsv(CS_RGB, CS_HSV), hsv2(CS_RGB, CS_HSV), icc(CS_RGB, CS_CMYK),
+        customIcc(CS_RGB, CS_CMYK);
     toLab.h->method = METHOD_CUSTOM_EMULATION;  // no custom grid: nothing converted
     hsv.h->method = METHOD_BUILTIN_EMULATION;   // no grid for the pair
     hsv2.h->method = 64;                        // names no method
+    icc.h->method = METHOD_ICC, customIcc.h->method = METHOD_CUSTOM_ICC;  // no transform: a null argument
     const struct {
         ClrHandle* h;  // null: Vx_ClrConvertDirect
         int src, dst;
@@ -226,7 +223,8 @@ TEST(ConvertDispatch, SilentPairsAndStatuses) {
         // A 4-bit RGB destination through RGB is left as it was.
         {nullptr, CS_HSV, CS_RGB444, in, STATUS_OK}, {nullptr, CS_YUV422_YUYV, CS_RGB444, in, STATUS_OK},
         {toLab.h, 0, 0, in, STATUS_OK}, {hsv.h, 0, 0, in, STATUS_OK},
-        {hsv2.h, 0, 0, in, ERR_BAD_METHOD},
+        {hsv2.h, 0, 0, in, ERR_BAD_METHOD}, {icc.h, 0, 0, in, ERR_NULL_ARGUMENT},
+        {customIcc.h, 0, 0, in, ERR_NULL_ARGUMENT},
     };
     for (const auto& r : rows) {
         std::uint8_t out[8];
