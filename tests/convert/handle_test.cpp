@@ -6,6 +6,7 @@
 
 #include "convert/library_frame.h"
 #include "convert/registry.h"
+#include "ktclr/narrow.h"
 #include "support/support.h"
 
 namespace kt {
@@ -16,9 +17,10 @@ using test::MappedPages;
 using test::Params;
 
 // The parameter record's checks in order, at creation and by
-// Vx_ClrSetConversionParams. The short form ends before iccFlags: a record
-// whose iccFlags lies on an unreadable page is fine at the short size and
-// unreadable at the long one. A bad size is refused before any allocation.
+// Vx_ClrSetConversionParams, and the narrow twins reaching both. The short
+// form ends before iccFlags: a record whose iccFlags lies on an unreadable
+// page is fine at the short size and unreadable at the long one. A bad
+// size is refused before any allocation.
 TEST(ParamsRecord, ChecksInOrder) {
     Handle live(CS_RGB, CS_HSV);
     ClrHandle copy = *live.h;  // readable, but no live handle
@@ -29,32 +31,45 @@ TEST(ParamsRecord, ChecksInOrder) {
     auto* edge = reinterpret_cast<ConversionParams*>(guard - shortBytes);
     ConversionParams init = Params(METHOD_BUILTIN), badSize = init, set = Params(0, 0);
     badSize.structSize = 1625, set.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
+    ConversionParamsA unprepared, emulation;  // ICC not prepared; an emulation method out of range
+    std::memset(&unprepared, 0, sizeof unprepared), std::memset(&emulation, 0, sizeof emulation);
+    unprepared.prepareMethods = KTCLR_CHANGE_METHOD, unprepared.method = METHOD_ICC;
+    emulation.method = emulation.prepareMethods = METHOD_BUILTIN_EMULATION, emulation.emulationMethod = 7;
     constexpr std::uint32_t kShort = KTCLR_SIZEOF_CONVERSION_PARAMS, kLong = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
+    enum Call { init_, set_, initA, setA };
     const struct {
-        bool set;
+        Call call;
         ClrHandle* h;  // at creation: whether there is somewhere to put one
-        ConversionParams* p;
+        void* p;
         std::uint32_t edgeSize;  // nonzero: *p copied to the edge with this size
         KtStatus status;
     } rows[] = {
-        {false, nullptr, &badSize, 0, ERR_INVALID_PARAMETER}, {false, live.h, &badSize, 0, ERR_BAD_STRUCT_SIZE},
-        {false, live.h, &init, kLong, ERR_BAD_POINTER}, {false, live.h, &init, kShort, STATUS_OK},
-        {false, live.h, reinterpret_cast<ConversionParams*>(guard), 0, ERR_BAD_POINTER},
-        {true, live.h, nullptr, 0, ERR_INVALID_PARAMETER}, {true, nullptr, &badSize, 0, ERR_BAD_STRUCT_SIZE},
-        {true, nullptr, &set, 0, ERR_INVALID_PARAMETER}, {true, live.h, &set, kShort, STATUS_OK},
-        {true, live.h, &set, kLong, ERR_BAD_POINTER}, {true, reinterpret_cast<ClrHandle*>(guard), &set, 0, ERR_BAD_POINTER},
-        {true, &copy, &set, 0, ERR_INVALID_COLOR_HANDLE},
+        {init_, nullptr, &badSize, 0, ERR_INVALID_PARAMETER}, {init_, live.h, &badSize, 0, ERR_BAD_STRUCT_SIZE},
+        {init_, live.h, &init, kLong, ERR_BAD_POINTER}, {init_, live.h, &init, kShort, STATUS_OK},
+        {init_, live.h, guard, 0, ERR_BAD_POINTER}, {initA, live.h, nullptr, 0, STATUS_OK},
+        {initA, live.h, &emulation, 0, ERR_INVALID_PARAMETER}, {initA, live.h, guard, 0, ERR_BAD_POINTER},
+        {set_, live.h, nullptr, 0, ERR_INVALID_PARAMETER}, {set_, nullptr, &badSize, 0, ERR_BAD_STRUCT_SIZE},
+        {set_, nullptr, &set, 0, ERR_INVALID_PARAMETER}, {set_, live.h, &set, kShort, STATUS_OK},
+        {set_, live.h, &set, kLong, ERR_BAD_POINTER}, {set_, reinterpret_cast<ClrHandle*>(guard), &set, 0, ERR_BAD_POINTER},
+        {set_, &copy, &set, 0, ERR_INVALID_COLOR_HANDLE}, {setA, live.h, nullptr, 0, ERR_INVALID_PARAMETER},
+        {setA, live.h, guard, 0, ERR_BAD_POINTER}, {setA, live.h, &unprepared, 0, ERR_BAD_METHOD},
     };
     for (const auto& r : rows) {
-        ConversionParams* p = r.p;
+        void* p = r.p;
         if (r.edgeSize) std::memcpy(edge, r.p, shortBytes), edge->structSize = r.edgeSize, p = edge;
         mem::testing::ResetAllocationCount();
         ClrHandle* made = nullptr;
-        EXPECT_EQ(r.set ? Vx_ClrSetConversionParams(r.h, p) : Vx_ClrInit(r.h ? &made : nullptr, CS_RGB, CS_HSV, p),
+        auto* wide = static_cast<ConversionParams*>(p);
+        auto* narrow = static_cast<ConversionParamsA*>(p);
+        EXPECT_EQ(r.call == init_ ? Vx_ClrInit(r.h ? &made : nullptr, CS_RGB, CS_HSV, wide)
+                  : r.call == initA ? Vx_ClrInitA(&made, CS_CMYK, CS_RGB, narrow)
+                  : r.call == set_  ? Vx_ClrSetConversionParams(r.h, wide)
+                                    : Vx_ClrSetConversionParamsA(r.h, narrow),
                   r.status)
             << &r - rows;
         EXPECT_TRUE(r.status != ERR_BAD_STRUCT_SIZE || mem::testing::AllocationCount() == 0) << &r - rows;
-        EXPECT_EQ(made != nullptr, !r.set && r.status == STATUS_OK) << &r - rows;
+        EXPECT_EQ(made != nullptr, (r.call == init_ || r.call == initA) && r.status == STATUS_OK) << &r - rows;
+        EXPECT_TRUE(!made || made->method == METHOD_BUILTIN) << &r - rows;
         EXPECT_TRUE(!made || Vx_ClrFree(made) == STATUS_OK);
     }
     // An empty mask changes nothing.

@@ -1,6 +1,6 @@
-// ConversionParamsA: the wide record it becomes, the back-copy, and the two
-// twins reaching the wide functions. The text conversions themselves:
-// tests/platform/narrow_text_test.cpp.
+// ConversionParamsA: the wide record it becomes and the back-copy (the two
+// twins reaching the wide functions: handle_test.cpp). The text
+// conversions themselves: tests/platform/narrow_text_test.cpp.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -50,26 +50,6 @@ TEST(NarrowParams, WideRecordAndBackCopy) {
     test::ScopedLocale c("C");  // the back-copy substitutes what C cannot encode
     kt::convert::ParamsToNarrow(w, &back);
     EXPECT_EQ(std::string(back.srcProfilePath), "/p/caf?.icc");
-}
-
-TEST(NarrowParams, InitAndSetReachTheWideFunctions) {
-    ClrHandle* h = nullptr;
-    ASSERT_EQ(Vx_ClrInitA(&h, CS_RGB, CS_HSV, nullptr), STATUS_OK);
-    EXPECT_EQ(h->method, static_cast<std::uint32_t>(METHOD_BUILTIN));
-    EXPECT_EQ(Vx_ClrSetConversionParamsA(h, nullptr), ERR_INVALID_PARAMETER);
-    test::MappedPages none(1, test::MappedPages::Access::none);
-    auto* unreadable = reinterpret_cast<ConversionParamsA*>(none.data());
-    EXPECT_EQ(Vx_ClrSetConversionParamsA(h, unreadable), ERR_BAD_POINTER);
-    ConversionParamsA a;
-    std::memset(&a, 0, sizeof a);
-    a.prepareMethods = KTCLR_CHANGE_METHOD;
-    a.method = METHOD_ICC;  // not prepared
-    EXPECT_EQ(Vx_ClrSetConversionParamsA(h, &a), ERR_BAD_METHOD);
-    EXPECT_EQ(Vx_ClrFree(h), STATUS_OK);
-    a.method = a.prepareMethods = METHOD_BUILTIN_EMULATION;
-    a.emulationMethod = 7;
-    EXPECT_EQ(Vx_ClrInitA(&h, CS_CMYK, CS_RGB, &a), ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_ClrInitA(&h, CS_CMYK, CS_RGB, unreadable), ERR_BAD_POINTER);
 }
 
 }  // namespace
