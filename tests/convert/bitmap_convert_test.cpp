@@ -173,10 +173,7 @@ TEST(BitmapConvert, ConvertBitmapStatusesInOrder) {
         {nullptr, &a.b, nullptr, ERR_NULL_ARGUMENT},        // the first row's conversion
     };
     for (const auto& r : rows) EXPECT_EQ(Vx_ClrConvertBitmap(r.handle, r.src, r.dst), r.status) << &r - rows;
-    empty.b.width = 2;
-    empty.b.height = 2;
-    empty.b.bitsPerPixel = 24;
-    empty.b.colorOrder = VX_BMP_ORDER_BGR;
+    empty.b.width = empty.b.height = 2, empty.b.bitsPerPixel = 24, empty.b.colorOrder = VX_BMP_ORDER_BGR;
     EXPECT_EQ(Vx_ClrConvertBitmap(hsv.h, &a.b, &empty.b), ERR_INVALID_PARAMETER);  // no pixels to access
     EXPECT_EQ(a.b.flags, VX_BMP_HAS_DATA);  // the source's access was ended
 }

@@ -181,9 +181,7 @@ TEST(ConvertDispatch, RoutesAndHandleExtras) {
         for (int i = 0; i < kCount; ++i)
             for (int c = 0; c < 3; ++c) in[i * r.inBytes + c] = static_cast<std::uint8_t>(((i >> (8 - 4 * c)) & 15) * 17);
         Handle h(r.src, r.dst, r.params);
-        if (r.change) {
-            ASSERT_EQ(Vx_ClrSetConversionParams(h.h, r.change), STATUS_OK);
-        }
+        ASSERT_TRUE(!r.change || Vx_ClrSetConversionParams(h.h, r.change) == STATUS_OK);
         ASSERT_EQ(r.direct ? Vx_ClrConvertDirect(r.src, r.dst, in.data(), out.data(), 64, 64, 0, 0)
                            : Vx_ClrConvert(h.h, in.data(), out.data(), 64, 64, 0, 0),
                   STATUS_OK);

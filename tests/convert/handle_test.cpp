@@ -59,12 +59,10 @@ TEST(ParamsRecord, ChecksInOrder) {
         if (r.edgeSize) std::memcpy(edge, r.p, shortBytes), edge->structSize = r.edgeSize, p = edge;
         mem::testing::ResetAllocationCount();
         ClrHandle* made = nullptr;
-        auto* wide = static_cast<ConversionParams*>(p);
-        auto* narrow = static_cast<ConversionParamsA*>(p);
-        EXPECT_EQ(r.call == init_ ? Vx_ClrInit(r.h ? &made : nullptr, CS_RGB, CS_HSV, wide)
-                  : r.call == initA ? Vx_ClrInitA(&made, CS_CMYK, CS_RGB, narrow)
-                  : r.call == set_  ? Vx_ClrSetConversionParams(r.h, wide)
-                                    : Vx_ClrSetConversionParamsA(r.h, narrow),
+        EXPECT_EQ(r.call == init_ ? Vx_ClrInit(r.h ? &made : nullptr, CS_RGB, CS_HSV, static_cast<ConversionParams*>(p))
+                  : r.call == initA ? Vx_ClrInitA(&made, CS_CMYK, CS_RGB, static_cast<ConversionParamsA*>(p))
+                  : r.call == set_  ? Vx_ClrSetConversionParams(r.h, static_cast<ConversionParams*>(p))
+                                    : Vx_ClrSetConversionParamsA(r.h, static_cast<ConversionParamsA*>(p)),
                   r.status)
             << &r - rows;
         EXPECT_TRUE(r.status != ERR_BAD_STRUCT_SIZE || mem::testing::AllocationCount() == 0) << &r - rows;

@@ -58,10 +58,9 @@ const Side kSides[] = {{CS_RGB, KTCLR_PROFILE_RGB_DISPLAY, TYPE_RGB_8},
 
 TEST(EmbeddedProfile, SizeProtocol) {
     const char* source = std::getenv("KTCLR_SOURCE_DIR");
-    const std::pair<std::int32_t, const char*> files[] = {{KTCLR_PROFILE_RGB_DISPLAY, "rgb_display.icc"},
-                                                          {KTCLR_PROFILE_LAB, "lab.icc"},
-                                                          {KTCLR_PROFILE_CMYK_PRESS, "cmyk_press.icc"},
-                                                          {KTCLR_PROFILE_CMY, "cmy.icc"}};
+    const std::pair<std::int32_t, const char*> files[] = {
+        {KTCLR_PROFILE_RGB_DISPLAY, "rgb_display.icc"}, {KTCLR_PROFILE_LAB, "lab.icc"},
+        {KTCLR_PROFILE_CMYK_PRESS, "cmyk_press.icc"}, {KTCLR_PROFILE_CMY, "cmy.icc"}};
     for (const auto& [selector, file] : files) {
         SCOPED_TRACE(file);
         const Bytes bytes = BuiltinProfile(selector);

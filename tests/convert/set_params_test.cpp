@@ -84,13 +84,12 @@ TEST(SetParams, OptionRecordsTakeTheMaskedValues) {
 
     // CMYK: copied whole, mask or not; once held, bit 1 of the mask decides.
     EXPECT_EQ(bareYuv.h->cmykOptions->value, 90u);
-    cmyk.value = 10;
-    p.prepareMethods = KTCLR_CHANGE_CMYK;
-    EXPECT_EQ(Vx_ClrSetConversionParams(bareYuv.h, &p), STATUS_OK);
-    EXPECT_EQ(bareYuv.h->cmykOptions->value, 90u);
-    cmyk.validMask = 1;
-    EXPECT_EQ(Vx_ClrSetConversionParams(bareYuv.h, &p), STATUS_OK);
-    EXPECT_EQ(bareYuv.h->cmykOptions->value, 10u);
+    cmyk.value = 10, p.prepareMethods = KTCLR_CHANGE_CMYK;
+    for (auto [mask, held] : {std::pair{0u, 90u}, {1u, 10u}}) {
+        cmyk.validMask = mask;
+        EXPECT_EQ(Vx_ClrSetConversionParams(bareYuv.h, &p), STATUS_OK);
+        EXPECT_EQ(bareYuv.h->cmykOptions->value, held);
+    }
     // YUV: still the first buffer, now holding the new bytes.
     const YuvOptions* y = madeYuv.h->yuvOptions;
     EXPECT_TRUE(y->values[0] == 11 && y->values[1] == 0 && y->values[3] == 44 && y->value5 == 55);
