@@ -119,13 +119,10 @@ TEST(HandleInit, SpacesAndMethods) {
         // 32 is back in the caller's record whether or not a choice was made.
         EXPECT_TRUE(r.method != kAuto || r.prepare != kAuto || (p.method == kAuto && p.prepareMethods == kAuto));
     }
-    ConversionParams p = Params(METHOD_BUILTIN_EMULATION);
-    p.emulationMethod = 1;
-    Handle h;
-    EXPECT_EQ(h.Init(CS_CMYK, CS_RGB, &p), ERR_INVALID_PARAMETER);
     // A failure after the choice leaves the chosen bit in both fields: the
     // fourth allocation (after handle, node and ICC options) is the YCCK table.
-    p = Params(METHOD_AUTO);
+    ConversionParams p = Params(METHOD_AUTO);
+    Handle h;
     mem::testing::FailNthAllocation(4);
     EXPECT_EQ(h.Init(CS_YCCK, CS_RGB, &p), ERR_ALLOC);
     mem::testing::FailNthAllocation(0);
