@@ -122,7 +122,7 @@ KtStatus Emulation(const ClrHandle* h, const std::uint8_t* src, std::uint8_t* ds
     const int from = h->srcSpace, to = h->dstSpace;
     if (IsHub(from) && to == CS_CMYK) {
         // Read as B,G,R whatever the source order
-        // (ConvertDispatch.EmulationBranchAndUnknownMethods).
+        // (ConvertDispatch.SilentPairsAndStatuses).
         color::RgbToCmyk(src, dst, width, height, srcAlign, dstAlign, BlackOf(h), 0);
         return STATUS_OK;
     }
@@ -162,7 +162,7 @@ extern "C" KTCLR_API KtStatus Vx_ClrConvert(ClrHandle* handle, uint8_t* src, uin
     }
     if (handle->PathKind == KTCLR_PATH_TWO_STEP) {
         // The direct conversion's status is dropped: a two-step pair always
-        // answers STATUS_OK (ConvertDispatch.BuiltinExtrasAndSilentPairs).
+        // answers STATUS_OK (ConvertDispatch.SilentPairsAndStatuses).
         (void)Vx_ClrConvertDirect(handle->srcSpace, handle->dstSpace, src, dst, width, height, srcAlign, dstAlign);
         return STATUS_OK;
     }

@@ -33,7 +33,7 @@ std::size_t Extent(int space, int width, int height, int pad) {
 
 // Equal spaces: one block when both paddings are below 2, else one row
 // length per row, each side advancing by its padding alone, so that rows
-// overlap (ConvertDirect.EqualSpacesCopy).
+// overlap (ConvertChecks.EqualSpacesCopy).
 void CopyRows(int space, const std::uint8_t* src, std::uint8_t* dst, int width, int height, int srcPad, int dstPad) {
     const std::size_t row = static_cast<std::size_t>(color::BitsPerPixel(space)) * width / 8;
     if (srcPad < 2 && dstPad < 2) {

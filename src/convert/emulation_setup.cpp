@@ -6,7 +6,6 @@
 #include "convert/caller_path.h"
 #include "convert/handle_internal.h"
 #include "platform/alloc.h"
-#include "platform/utf16.h"
 
 namespace kt::convert {
 namespace {
@@ -42,14 +41,10 @@ KtStatus SelectEmulationTable(ClrHandle* h, int src, int dst, const ConversionPa
         return STATUS_OK;
     }
     if (!p) return ERR_INVALID_PARAMETER;
-    std::size_t length = 0;
-    switch (LookUpPath(p->emulationTablePath, kCallerPathUnits, &length)) {
-        case PathState::missing: return ERR_FILE_NOT_FOUND;
-        case PathState::noMemory: return ERR_ALLOC;
-        case PathState::exists: break;
-    }
-    if (length > kMaxPathChars) return ERR_FILE_NOT_FOUND;
-    text::Utf16Copy(h->emulationTablePath, KTCLR_HANDLE_PATH_UNITS, p->emulationTablePath);
+    bool found = false;
+    const KtStatus taken = TakeExistingPath(p->emulationTablePath, h->emulationTablePath, &found);
+    if (taken != STATUS_OK) return taken;
+    if (!found) return ERR_FILE_NOT_FOUND;
     if (!grid.builtin) return STATUS_OK;
 
     std::uint8_t* table = nullptr;

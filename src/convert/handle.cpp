@@ -61,8 +61,9 @@ KtStatus InitWithoutParams(ClrHandle** out, HandleDraft& h, int src, int dst) {
 
 // The option records and the tables they ask for. An unreadable record, or
 // a CMYK record of the wrong size, abandons the half-built handle on the
-// list (HandleInit.BadOptionRecords and LibraryFrame.UnloadSweep pin this);
-// every other failure releases it.
+// list (HandleInit.BadOptionRecordsAbandonOrRelease and
+// LibraryFrame.UnloadSweepFreesForgottenHandles pin this); every other
+// failure releases it.
 KtStatus CopyOptions(HandleDraft& h, int src, int dst, const ConversionParams* p) {
     if (Either(src, dst, CS_CMYK) && p->cmykOptions) {
         if (platform::IsBadReadPtr(p->cmykOptions, sizeof(CmykOptions))) return h.Abandon(ERR_BAD_POINTER);
@@ -132,7 +133,7 @@ KtStatus Init(ClrHandle** out, int src, int dst, ConversionParams* p) noexcept {
 
     // The automatic choice is written into the caller's record for the
     // call's duration; 32 goes back only on success, so a later failure
-    // leaves the chosen bit there (HandleInit.AutomaticChoice).
+    // leaves the chosen bit there (HandleInit.SpacesAndMethods).
     bool chose = false;
     if (p->prepareMethods == METHOD_AUTO && p->method == METHOD_AUTO) {
         const std::uint32_t choice = ChooseMethod(src, dst);

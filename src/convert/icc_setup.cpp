@@ -41,15 +41,8 @@ KtStatus CopyProfileMemory(const ProfileMemory* rec, ProfileMemory** out) {
 KtStatus TakeSide(const ProfileMemory* memory, const KtChar16* path, ProfileMemory** keptMemory,
                   KtChar16* keptPath) {
     if (memory) return CopyProfileMemory(memory, keptMemory);
-    std::size_t length = 0;
-    switch (LookUpPath(path, kCallerPathUnits, &length)) {
-        case PathState::missing: return STATUS_OK;
-        case PathState::noMemory: return ERR_ALLOC;
-        case PathState::exists: break;
-    }
-    if (length > kMaxPathChars) return ERR_FILE_NOT_FOUND;
-    CopyPath(keptPath, path);
-    return STATUS_OK;
+    bool found = false;
+    return TakeExistingPath(path, keptPath, &found);
 }
 
 IccProfileSource Held(const ProfileMemory* memory, const KtChar16* path) {

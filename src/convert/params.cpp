@@ -77,7 +77,7 @@ KtStatus ChangeYuv(ClrHandle* h, const ConversionParams* p, MadeHere& made) {
     if (!Either(h->srcSpace, h->dstSpace, CS_YUV)) return ERR_BAD_METHOD;
     // A change of the YUV options is refused without a CMYK record: the
     // CMYK pointer is the one tested here, deliberately
-    // (SetParams.YuvOptionsTestTheCmykPointer pins it).
+    // (SetParams.StatusesOfEachBit pins it).
     if (!p->cmykOptions) return ERR_INVALID_PARAMETER;
     const YuvOptions* rec = p->yuvOptions;
     if (!rec) return ERR_INVALID_PARAMETER;

@@ -15,7 +15,8 @@ namespace {
 using test::Case;
 using test::kCases;
 using test::Px3;
-using Bytes = std::vector<std::uint8_t>;
+using test::Bytes;
+using test::Random;
 using Edges = test::AtEveryLevel;
 
 std::size_t Extent(int bytes, int group, int width, int height, int pad) {

@@ -1,11 +1,12 @@
-// Vx_ClrInit, Vx_ClrIsValid and Vx_ClrFree: the checks in order, what a
-// handle holds for each pair, the automatic choice, the option records, the
-// list of live handles and the unload sweep.
+// Vx_ClrInit, Vx_ClrIsValid and Vx_ClrFree: the checks in order (the
+// parameter record's with Vx_ClrSetConversionParams'), the automatic choice, the bad option records, the list of live handles and
+// the unload sweep. What each pair's handle holds, the copied option
+// records included, shows in how it converts: convert_test.cpp.
 #include <gtest/gtest.h>
 
 #include "convert/library_frame.h"
-#include "colormodels/lab_tables.h"
 #include "convert/registry.h"
+#include "ktclr/narrow.h"
 #include "support/support.h"
 
 namespace kt {
@@ -14,125 +15,109 @@ namespace {
 using test::Handle;
 using test::MappedPages;
 using test::Params;
-constexpr std::uint32_t kBuiltin = METHOD_BUILTIN;
 
-TEST(HandleInit, ArgumentChecksInOrder) {
-    ConversionParams p = Params(METHOD_BUILTIN);
-    p.structSize = 1625;
-    EXPECT_EQ(Vx_ClrInit(nullptr, CS_RGB, CS_HSV, &p), ERR_INVALID_PARAMETER);
-    // A bad size is refused before anything is allocated.
-    mem::testing::ResetAllocationCount();
-    Handle h;
-    EXPECT_EQ(h.Init(CS_RGB, CS_HSV, &p), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(mem::testing::AllocationCount(), 0);
-    EXPECT_EQ(h.h, nullptr);
-
-    // The short form ends before iccFlags: a record whose iccFlags lies on
-    // an inaccessible page is fine at 1624 and unreadable at 1628.
+// The parameter record's checks in order, at creation and by
+// Vx_ClrSetConversionParams, and the narrow twins reaching both. The short
+// form ends before iccFlags: a record whose iccFlags lies on an unreadable
+// page is fine at the short size and unreadable at the long one. A bad
+// size is refused before any allocation.
+TEST(ParamsRecord, ChecksInOrder) {
+    Handle live(CS_RGB, CS_HSV);
+    ClrHandle copy = *live.h;  // readable, but no live handle
     MappedPages pages(2, MappedPages::Access::readWrite);
     pages.Protect(1, MappedPages::Access::none);
+    std::uint8_t* guard = pages.data() + pages.page();
     const std::size_t shortBytes = offsetof(ConversionParams, iccFlags);
-    auto* edge = reinterpret_cast<ConversionParams*>(pages.data() + pages.page() - shortBytes);
-    std::memcpy(edge, &p, shortBytes);
-    edge->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
-    EXPECT_EQ(h.Init(CS_RGB, CS_HSV, edge), ERR_BAD_POINTER);
-    edge->structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
-    ASSERT_EQ(h.Init(CS_RGB, CS_HSV, edge), STATUS_OK);
-    Handle other;
-    EXPECT_EQ(other.Init(CS_RGB, CS_HSV, reinterpret_cast<ConversionParams*>(pages.end() - pages.page())),
-              ERR_BAD_POINTER);
+    auto* edge = reinterpret_cast<ConversionParams*>(guard - shortBytes);
+    ConversionParams init = Params(METHOD_BUILTIN), badSize = init, set = Params(0, 0);
+    badSize.structSize = 1625, set.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS;
+    ConversionParamsA unprepared, emulation;  // ICC not prepared; an emulation method out of range
+    std::memset(&unprepared, 0, sizeof unprepared), std::memset(&emulation, 0, sizeof emulation);
+    unprepared.prepareMethods = KTCLR_CHANGE_METHOD, unprepared.method = METHOD_ICC;
+    emulation.method = emulation.prepareMethods = METHOD_BUILTIN_EMULATION, emulation.emulationMethod = 7;
+    constexpr std::uint32_t kShort = KTCLR_SIZEOF_CONVERSION_PARAMS, kLong = KTCLR_SIZEOF_CONVERSION_PARAMS_EX;
+    enum Call { init_, set_, initA, setA };
+    const struct {
+        Call call;
+        ClrHandle* h;  // at creation: whether there is somewhere to put one
+        void* p;
+        std::uint32_t edgeSize;  // nonzero: *p copied to the edge with this size
+        KtStatus status;
+    } rows[] = {
+        {init_, nullptr, &badSize, 0, ERR_INVALID_PARAMETER}, {init_, live.h, &badSize, 0, ERR_BAD_STRUCT_SIZE},
+        {init_, live.h, &init, kLong, ERR_BAD_POINTER}, {init_, live.h, &init, kShort, STATUS_OK},
+        {init_, live.h, guard, 0, ERR_BAD_POINTER}, {initA, live.h, nullptr, 0, STATUS_OK},
+        {initA, live.h, &emulation, 0, ERR_INVALID_PARAMETER}, {initA, live.h, guard, 0, ERR_BAD_POINTER},
+        {set_, live.h, nullptr, 0, ERR_INVALID_PARAMETER}, {set_, nullptr, &badSize, 0, ERR_BAD_STRUCT_SIZE},
+        {set_, nullptr, &set, 0, ERR_INVALID_PARAMETER}, {set_, live.h, &set, kShort, STATUS_OK},
+        {set_, live.h, &set, kLong, ERR_BAD_POINTER}, {set_, reinterpret_cast<ClrHandle*>(guard), &set, 0, ERR_BAD_POINTER},
+        {set_, &copy, &set, 0, ERR_INVALID_COLOR_HANDLE}, {setA, live.h, nullptr, 0, ERR_INVALID_PARAMETER},
+        {setA, live.h, guard, 0, ERR_BAD_POINTER}, {setA, live.h, &unprepared, 0, ERR_BAD_METHOD},
+    };
+    for (const auto& r : rows) {
+        void* p = r.p;
+        if (r.edgeSize) std::memcpy(edge, r.p, shortBytes), edge->structSize = r.edgeSize, p = edge;
+        mem::testing::ResetAllocationCount();
+        ClrHandle* made = nullptr;
+        EXPECT_EQ(r.call == init_ ? Vx_ClrInit(r.h ? &made : nullptr, CS_RGB, CS_HSV, static_cast<ConversionParams*>(p))
+                  : r.call == initA ? Vx_ClrInitA(&made, CS_CMYK, CS_RGB, static_cast<ConversionParamsA*>(p))
+                  : r.call == set_  ? Vx_ClrSetConversionParams(r.h, static_cast<ConversionParams*>(p))
+                                    : Vx_ClrSetConversionParamsA(r.h, static_cast<ConversionParamsA*>(p)),
+                  r.status)
+            << &r - rows;
+        EXPECT_TRUE(r.status != ERR_BAD_STRUCT_SIZE || mem::testing::AllocationCount() == 0) << &r - rows;
+        EXPECT_EQ(made != nullptr, (r.call == init_ || r.call == initA) && r.status == STATUS_OK) << &r - rows;
+        EXPECT_TRUE(!made || made->method == METHOD_BUILTIN) << &r - rows;
+        EXPECT_TRUE(!made || Vx_ClrFree(made) == STATUS_OK);
+    }
+    // An empty mask changes nothing.
+    const ClrHandle before = *live.h;
+    EXPECT_EQ(Vx_ClrSetConversionParams(live.h, &set), STATUS_OK);
+    EXPECT_EQ(std::memcmp(&before, live.h, sizeof before), 0);
 }
 
-TEST(HandleInit, IdentityShortcutComesBeforeTheRangeCheck) {
-    Handle a(200, 200);
-    ASSERT_NE(a.h, nullptr);
-    EXPECT_EQ(a.h->srcSpace, 200);
-    EXPECT_EQ(a.h->method, 0u);
-    EXPECT_EQ(a.h->iccOptions, nullptr);
-    EXPECT_EQ(Vx_ClrIsValid(a.h), STATUS_OK);
-    Handle b;
-    for (auto [src, dst] : {std::pair{200, 0}, {0, 16}, {129, 0}, {0, 145}, {-1, 0}})
-        EXPECT_EQ(b.Init(src, dst), ERR_UNSUPPORTED_SPACE) << src << "->" << dst;
-    // With the custom-ICC bit prepared the shortcut is not taken.
-    ConversionParams p = Params(METHOD_BUILTIN, METHOD_BUILTIN | METHOD_CUSTOM_ICC);
-    EXPECT_EQ(b.Init(200, 200, &p), ERR_UNSUPPORTED_SPACE);
-    p.prepareMethods = METHOD_BUILTIN;
-    ASSERT_EQ(b.Init(CS_LAB, CS_LAB, &p), STATUS_OK);
-    EXPECT_EQ(b.h->method, 0u);
-}
-
-TEST(HandleInit, WhatEachPairHolds) {
-    // With parameters, a Lab side or an XYZ source (only the source) makes
-    // one step too.
-    struct Case {
+// Which statuses the spaces and methods give, and the method a handle then
+// holds.
+TEST(HandleInit, SpacesAndMethods) {
+    constexpr std::uint32_t kAuto = METHOD_AUTO, kIcc = METHOD_ICC, kBuiltin = METHOD_BUILTIN;
+    const struct {
         int src, dst;
         bool params;
-        int pathKind;
-        bool ycck;
-    } cases[] = {{CS_RGB, CS_HSV, false, 1, false},  {CS_HSV, CS_BGR, false, 1, false},
-                 {CS_XYZ, CS_HSV, false, 2, false},  {CS_LAB, CS_HSV, false, 2, false},
-                 {CS_YCCK, CS_RGB, false, 1, true},  {CS_HSI, CS_YCCK, false, 2, true},
-                 {CS_XYZ, CS_HSV, true, 1, false},   {CS_HSV, CS_XYZ, true, 2, false},
-                 {CS_LAB, CS_HSV, true, 1, false},   {CS_HSV, CS_LAB, true, 1, false},
-                 {CS_CMYK, CS_YCCK, true, 2, true},  {CS_HSI, CS_RGB444, true, 2, false}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.src << "->" << c.dst << (c.params ? " with" : " without"));
-        ConversionParams p = Params(METHOD_BUILTIN);
-        Handle h(c.src, c.dst, c.params ? &p : nullptr);
-        ASSERT_NE(h.h, nullptr);
-        EXPECT_EQ(h.h->method, kBuiltin);
-        EXPECT_EQ(h.h->preparedMethods, kBuiltin);
-        EXPECT_EQ(h.h->PathKind, c.pathKind);
-        EXPECT_EQ(h.h->gammaPercent, 45);
-        EXPECT_EQ(h.h->dstSpace, c.dst);
-        EXPECT_EQ(h.h->ycckTable != nullptr, c.ycck);
-        EXPECT_EQ(h.h->iccOptions != nullptr, c.params);
-        // A two-step pair made with parameters keeps its ids as formats.
-        EXPECT_EQ(h.h->srcFormat, c.params && c.pathKind == 2 ? static_cast<std::uint32_t>(c.src) : 0u);
-    }
-}
-
-TEST(HandleInit, MethodChecks) {
-    Handle h;
-    ConversionParams p = Params(METHOD_BUILTIN_EMULATION);
-    p.emulationMethod = 1;
-    EXPECT_EQ(h.Init(CS_CMYK, CS_RGB, &p), ERR_INVALID_PARAMETER);
-    for (auto [method, prepare] : {std::pair{1u, 64u}, {2u, 1u}, {0u, 1u}}) {  // builtin, ICC, none
-        p = Params(method, prepare);
-        EXPECT_EQ(h.Init(CS_RGB, CS_HSV, &p), ERR_BAD_METHOD) << method << " " << prepare;
-    }
-    // The method in force need only share a bit with the prepared set.
-    p = Params(METHOD_BUILTIN | 64, METHOD_BUILTIN);
-    ASSERT_EQ(h.Init(CS_RGB, CS_HSV, &p), STATUS_OK);
-    EXPECT_EQ(h.h->method, kBuiltin | 64);
-    // An ICC path needs an ICC format on both sides; a two-step pair builds
-    // no transform.
-    Handle g;
-    p = Params(METHOD_BUILTIN, METHOD_BUILTIN | METHOD_ICC);
-    EXPECT_EQ(g.Init(CS_RGB, CS_HSV, &p), ERR_BAD_COLOR_SPACE);
-    ASSERT_EQ(g.Init(CS_HSV, CS_YIQ, &p), STATUS_OK);
-    EXPECT_EQ(g.h->iccTransform, nullptr);
-}
-
-TEST(HandleInit, AutomaticChoice) {
-    const auto kAuto = static_cast<std::uint32_t>(METHOD_AUTO);
-    struct Case {
-        int src, dst;
+        std::uint32_t method, prepare;
         KtStatus status;
-        std::uint32_t chosen;
-    } cases[] = {{CS_RGB, CS_HSV, ERR_BAD_METHOD, 0},      {CS_LAB, CS_BGR, STATUS_OK, METHOD_BUILTIN},
-                 {CS_HSV, CS_YIQ, STATUS_OK, METHOD_BUILTIN}, {CS_RGB, CS_CMYK, STATUS_OK, METHOD_ICC},
-                 {CS_YCCK, CS_RGB, STATUS_OK, METHOD_ICC}};
-    for (const Case& c : cases) {
-        ConversionParams p = Params(METHOD_AUTO);
+        std::uint32_t held = 0;
+    } rows[] = {
+        // The identity shortcut comes before the range check, unless the
+        // custom-ICC bit is prepared.
+        {200, 200, false, 0, 0, STATUS_OK}, {200, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {0, 16, false, 0, 0, ERR_UNSUPPORTED_SPACE}, {129, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {0, 145, false, 0, 0, ERR_UNSUPPORTED_SPACE}, {-1, 0, false, 0, 0, ERR_UNSUPPORTED_SPACE},
+        {200, 200, true, kBuiltin, kBuiltin | METHOD_CUSTOM_ICC, ERR_UNSUPPORTED_SPACE},
+        {CS_LAB, CS_LAB, true, kBuiltin, kBuiltin, STATUS_OK}, {CS_RGB, CS_HSV, false, 0, 0, STATUS_OK, kBuiltin},
+        // Builtin, ICC, none prepared; the method in force need only share
+        // a bit with the prepared set.
+        {CS_RGB, CS_HSV, true, 1, 64, ERR_BAD_METHOD}, {CS_RGB, CS_HSV, true, 2, 1, ERR_BAD_METHOD},
+        {CS_RGB, CS_HSV, true, 0, 1, ERR_BAD_METHOD},
+        {CS_RGB, CS_HSV, true, kBuiltin | 64, kBuiltin, STATUS_OK, kBuiltin | 64},
+        // An ICC path needs an ICC format on both sides; a two-step pair
+        // needs none.
+        {CS_RGB, CS_HSV, true, kBuiltin, kBuiltin | kIcc, ERR_BAD_COLOR_SPACE},
+        {CS_HSV, CS_YIQ, true, kBuiltin, kBuiltin | kIcc, STATUS_OK, kBuiltin},
+        // The automatic choice; only both fields at 32 ask for it, 32 beside
+        // a real bit is taken as the method in force.
+        {CS_RGB, CS_HSV, true, kAuto, kAuto, ERR_BAD_METHOD}, {CS_LAB, CS_BGR, true, kAuto, kAuto, STATUS_OK, kBuiltin},
+        {CS_HSV, CS_YIQ, true, kAuto, kAuto, STATUS_OK, kBuiltin},
+        {CS_RGB, CS_CMYK, true, kAuto, kAuto, STATUS_OK, kIcc}, {CS_YCCK, CS_RGB, true, kAuto, kAuto, STATUS_OK, kIcc},
+        {CS_LAB, CS_RGB, true, kAuto, kBuiltin, ERR_BAD_METHOD},
+        {CS_LAB, CS_RGB, true, kAuto, kAuto | kBuiltin, STATUS_OK, kAuto},
+    };
+    for (const auto& r : rows) {
+        ConversionParams p = Params(r.method, r.prepare);
         Handle h;
-        EXPECT_EQ(h.Init(c.src, c.dst, &p), c.status) << c.src << "->" << c.dst;
-        if (h.h) {
-            EXPECT_EQ(h.h->method, c.chosen);
-        }
+        EXPECT_EQ(h.Init(r.src, r.dst, r.params ? &p : nullptr), r.status) << &r - rows;
+        EXPECT_TRUE(!h.h || h.h->method == r.held) << &r - rows;
         // 32 is back in the caller's record whether or not a choice was made.
-        EXPECT_EQ(p.method, kAuto);
-        EXPECT_EQ(p.prepareMethods, kAuto);
+        EXPECT_TRUE(r.method != kAuto || r.prepare != kAuto || (p.method == kAuto && p.prepareMethods == kAuto));
     }
     // A failure after the choice leaves the chosen bit in both fields: the
     // fourth allocation (after handle, node and ICC options) is the YCCK table.
@@ -141,123 +126,73 @@ TEST(HandleInit, AutomaticChoice) {
     mem::testing::FailNthAllocation(4);
     EXPECT_EQ(h.Init(CS_YCCK, CS_RGB, &p), ERR_ALLOC);
     mem::testing::FailNthAllocation(0);
-    EXPECT_EQ(p.method, static_cast<std::uint32_t>(METHOD_ICC));
-    EXPECT_EQ(p.prepareMethods, static_cast<std::uint32_t>(METHOD_ICC));
-    // Only both fields at 32 ask for a choice; 32 beside a real bit is taken
-    // as the method in force, unchosen.
-    p = Params(METHOD_AUTO, METHOD_BUILTIN);
-    EXPECT_EQ(h.Init(CS_LAB, CS_RGB, &p), ERR_BAD_METHOD);
-    p = Params(METHOD_AUTO, METHOD_AUTO | METHOD_BUILTIN);
-    ASSERT_EQ(h.Init(CS_LAB, CS_RGB, &p), STATUS_OK);
-    EXPECT_EQ(h.h->method, kAuto);
-}
-
-TEST(HandleInit, OptionRecordsAreCopied) {
-    ConversionParams p = Params(METHOD_BUILTIN);
-    Handle plain(CS_RGB, CS_HSV, &p);
-    ASSERT_NE(plain.h->iccOptions, nullptr);
-    EXPECT_EQ(plain.h->iccOptions->values[0], 50u);
-
-    IccOptions icc{{1, 2, 3, 4, 5}};
-    CmykOptions cmyk = test::Cmyk(200);
-    unsigned char shared[8] = {};
-    YuvOptions yuv = test::Yuv(shared, sizeof shared);
-    LabOptions lab = test::Lab(10);
-    p.iccOptions = &icc;
-    p.cmykOptions = &cmyk;
-    p.yuvOptions = &yuv;
-    p.labOptions = &lab;
-    Handle a(CS_RGB, CS_CMYK, &p), b(CS_YUV, CS_BGR, &p), c(CS_LAB, CS_RGB, &p);
-    icc.values[4] = 99;
-    cmyk.value = 1;
-    EXPECT_EQ(a.h->iccOptions->values[4], 5u);
-    EXPECT_EQ(a.h->cmykOptions->value, 200u);
-    EXPECT_EQ(a.h->yuvOptions, nullptr);  // only the sides' own records
-    EXPECT_EQ(a.h->labTable, nullptr);
-    EXPECT_EQ(b.h->yuvOptions->buffer, shared);  // the caller's buffer is shared
-    EXPECT_EQ(b.h->cmykOptions, nullptr);
-    ASSERT_NE(c.h->labTable, nullptr);
-    ASSERT_NE(c.h->rgbToLabTable, nullptr);
-    EXPECT_EQ(c.h->labTable->ranges[5], 15);
+    EXPECT_TRUE(p.method == kIcc && p.prepareMethods == kIcc);
+    // Without an ICC record the handle's holds the default values.
+    EXPECT_EQ(Handle(CS_RGB, CS_HSV, METHOD_BUILTIN).h->iccOptions->values[0], 50u);
 }
 
 TEST(HandleInit, BadOptionRecordsAbandonOrRelease) {
     const std::size_t before = convert::registry::Count();
     MappedPages none(1, MappedPages::Access::none);
-    ConversionParams p = Params(METHOD_BUILTIN);
-    p.cmykOptions = reinterpret_cast<CmykOptions*>(none.data());
-    p.yuvOptions = reinterpret_cast<YuvOptions*>(none.data());
-    p.labOptions = reinterpret_cast<LabOptions*>(none.data());
+    ConversionParams unreadable = Params(METHOD_BUILTIN), wrongSize = Params(METHOD_BUILTIN);
+    unreadable.cmykOptions = reinterpret_cast<CmykOptions*>(none.data());
+    unreadable.yuvOptions = reinterpret_cast<YuvOptions*>(none.data());
+    unreadable.labOptions = reinterpret_cast<LabOptions*>(none.data());
+    unsigned char buf[4];
+    CmykOptions cmyk = test::Cmyk(1);
+    YuvOptions yuv = test::Yuv(buf, 4);
+    LabOptions lab = test::Lab(0);
+    cmyk.structSize = 13, yuv.structSize = 41, lab.structSize = 31;
+    wrongSize.cmykOptions = &cmyk, wrongSize.yuvOptions = &yuv, wrongSize.labOptions = &lab;
     // Records of spaces the pair does not use are never looked at.
-    EXPECT_NE(Handle(CS_RGB, CS_HSV, &p).h, nullptr);
-
+    EXPECT_NE(Handle(CS_RGB, CS_HSV, &unreadable).h, nullptr);
     // Unreadable records, and a CMYK record of the wrong size, return at
     // once: the half-built handle stays on the list, live but never handed
-    // out. It is the newest node; free it as the unload sweep would.
-    auto expectAbandoned = [&](int src, int dst, KtStatus status) {
+    // out. YUV and Lab records of the wrong size are released.
+    const struct {
+        int src, dst;
+        ConversionParams* p;
+        KtStatus status;
+        bool abandoned;
+    } rows[] = {{CS_RGB, CS_CMYK, &unreadable, ERR_BAD_POINTER, true},
+                {CS_YUV, CS_RGB, &unreadable, ERR_BAD_POINTER, true},
+                {CS_RGB, CS_LAB, &unreadable, ERR_BAD_POINTER, true},
+                {CS_RGB, CS_CMYK, &wrongSize, ERR_BAD_STRUCT_SIZE, true},
+                {CS_YUV, CS_RGB, &wrongSize, ERR_BAD_STRUCT_SIZE, false},
+                {CS_LAB, CS_RGB, &wrongSize, ERR_BAD_STRUCT_SIZE, false}};
+    for (const auto& r : rows) {
         Handle h;
-        EXPECT_EQ(h.Init(src, dst, &p), status);
+        EXPECT_EQ(h.Init(r.src, r.dst, r.p), r.status) << &r - rows;
         EXPECT_EQ(h.h, nullptr);
-        ASSERT_EQ(convert::registry::Count(), before + 1);
+        ASSERT_EQ(convert::registry::Count(), before + r.abandoned) << &r - rows;
+        if (!r.abandoned) continue;
+        // The newest node; free it as the unload sweep would.
         ClrHandle* stray = convert::registry::Tail();
         EXPECT_EQ(stray->srcSpace, 0);  // never finished
         EXPECT_EQ(Vx_ClrFree(stray), STATUS_OK);
-    };
-    expectAbandoned(CS_RGB, CS_CMYK, ERR_BAD_POINTER);
-    expectAbandoned(CS_YUV, CS_RGB, ERR_BAD_POINTER);
-    expectAbandoned(CS_RGB, CS_LAB, ERR_BAD_POINTER);
-    CmykOptions cmyk = test::Cmyk(1);
-    cmyk.structSize = 13;
-    p.cmykOptions = &cmyk;
-    expectAbandoned(CS_RGB, CS_CMYK, ERR_BAD_STRUCT_SIZE);
-
-    // YUV and Lab records of the wrong size are released.
-    unsigned char buf[4];
-    YuvOptions yuv = test::Yuv(buf, 4);
-    yuv.structSize = 41;
-    LabOptions lab = test::Lab(0);
-    lab.structSize = 31;
-    p.yuvOptions = &yuv;
-    p.labOptions = &lab;
-    Handle h;
-    EXPECT_EQ(h.Init(CS_YUV, CS_RGB, &p), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(h.Init(CS_LAB, CS_RGB, &p), ERR_BAD_STRUCT_SIZE);
-    EXPECT_EQ(convert::registry::Count(), before);
+    }
 }
 
+// Null, unreadable, a readable copy that is not on the list, a live handle
+// whose size field was overwritten.
 TEST(HandleLifecycle, ValidityAndFree) {
-    EXPECT_EQ(Vx_ClrIsValid(nullptr), ERR_INVALID_COLOR_HANDLE);
-    EXPECT_EQ(Vx_ClrFree(nullptr), ERR_INVALID_PARAMETER);
     MappedPages none(1, MappedPages::Access::none);
-    auto* unreadable = reinterpret_cast<ClrHandle*>(none.data());
-    EXPECT_EQ(Vx_ClrIsValid(unreadable), ERR_INVALID_COLOR_HANDLE);
-    EXPECT_EQ(Vx_ClrFree(unreadable), ERR_INVALID_PARAMETER);
-
     Handle h(CS_RGB, CS_HLS);
-    // A readable copy with the right size is not on the list.
     ClrHandle copy = *h.h;
-    EXPECT_EQ(Vx_ClrIsValid(&copy), ERR_INVALID_COLOR_HANDLE);
-    EXPECT_EQ(Vx_ClrFree(&copy), ERR_INVALID_COLOR_HANDLE);
+    const struct {
+        ClrHandle* h;
+        KtStatus valid, free;
+    } rows[] = {{nullptr, ERR_INVALID_COLOR_HANDLE, ERR_INVALID_PARAMETER},
+                {reinterpret_cast<ClrHandle*>(none.data()), ERR_INVALID_COLOR_HANDLE, ERR_INVALID_PARAMETER},
+                {&copy, ERR_INVALID_COLOR_HANDLE, ERR_INVALID_COLOR_HANDLE}};
+    for (const auto& r : rows) {
+        EXPECT_EQ(Vx_ClrIsValid(r.h), r.valid) << &r - rows;
+        EXPECT_EQ(Vx_ClrFree(r.h), r.free) << &r - rows;
+    }
     EXPECT_EQ(Vx_ClrIsValid(h.h), STATUS_OK);
-    // A live handle whose size field was overwritten is no longer valid.
     h.h->structSize = 1651;
     EXPECT_EQ(Vx_ClrIsValid(h.h), ERR_INVALID_COLOR_HANDLE);
     h.h->structSize = KTCLR_SIZEOF_CLR_HANDLE;
-}
-
-TEST(HandleLifecycle, FreeingOutOfOrderKeepsTheListConsistent) {
-    const std::size_t before = convert::registry::Count();
-    ClrHandle* h[4] = {};
-    for (auto*& x : h) ASSERT_EQ(Vx_ClrInit(&x, CS_RGB, CS_YIQ, nullptr), STATUS_OK);
-    EXPECT_EQ(Vx_ClrFree(h[1]), STATUS_OK);  // middle
-    EXPECT_EQ(Vx_ClrFree(h[3]), STATUS_OK);  // last
-    EXPECT_EQ(Vx_ClrIsValid(h[0]), STATUS_OK);
-    EXPECT_EQ(Vx_ClrIsValid(h[2]), STATUS_OK);
-    EXPECT_EQ(Vx_ClrFree(h[0]), STATUS_OK);  // first
-    EXPECT_EQ(convert::registry::Head(), h[2]);
-    EXPECT_EQ(convert::registry::Tail(), h[2]);
-    EXPECT_EQ(Vx_ClrFree(h[2]), STATUS_OK);
-    EXPECT_EQ(convert::registry::Count(), before);
 }
 
 TEST(HandleLifecycle, IndexGrowthKeepsEveryHandleReachable) {
@@ -275,7 +210,7 @@ TEST(HandleLifecycle, IndexGrowthKeepsEveryHandleReachable) {
 }
 
 TEST(LibraryFrame, UnloadSweepFreesForgottenHandles) {
-    const test::LiveCounts before = test::LiveCounts::Now();
+    const test::LiveCounts before = test::Live();
     ASSERT_EQ(convert::registry::Count(), 0u) << "another test left handles behind";
     ASSERT_EQ(convert::AttachCount(), 1);
     ClrHandle* h[3] = {};
@@ -290,14 +225,13 @@ TEST(LibraryFrame, UnloadSweepFreesForgottenHandles) {
     p.cmykOptions = &bad;
     EXPECT_EQ(Vx_ClrInit(&h[2], CS_RGB, CS_CMYK, &p), ERR_BAD_STRUCT_SIZE);
     EXPECT_EQ(convert::registry::Count(), 3u);
-
     // A second attach keeps the handles; the last detach sweeps them.
     convert::LibraryAttach();
     convert::LibraryDetach();
     EXPECT_EQ(convert::registry::Count(), 3u);
     convert::LibraryDetach();
     EXPECT_EQ(convert::registry::Count(), 0u);
-    EXPECT_TRUE(test::LiveCounts::Now() == before);
+    EXPECT_EQ(test::Live(), before);
     convert::LibraryAttach();  // as the loader left it
 }
 

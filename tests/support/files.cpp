@@ -1,20 +1,20 @@
 // Files: the scratch folder, whole-file helpers and the file-failure loop.
-#include "support/support.h"
-
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "platform/utf16.h"
+#include "support/support.h"
 
 namespace kt::test {
+
+namespace fs = std::filesystem;
 
 ScratchDir::ScratchDir() {
     char tmpl[] = "/tmp/ktclr-test-XXXXXX";
@@ -22,7 +22,10 @@ ScratchDir::ScratchDir() {
     path_ = tmpl;
 }
 
-ScratchDir::~ScratchDir() { Run("rm -rf '" + path_ + "'"); }
+ScratchDir::~ScratchDir() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+}
 
 std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
     WriteFile(File(name), std::string(b.begin(), b.end()));
@@ -31,25 +34,18 @@ std::string ScratchDir::Write(const std::string& name, const Bytes& b) const {
 
 std::vector<std::string> ScratchDir::Entries() const {
     std::vector<std::string> names;
-    if (DIR* d = opendir(path_.c_str())) {
-        while (dirent* e = readdir(d))
-            if (std::string(e->d_name) != "." && std::string(e->d_name) != "..") names.push_back(e->d_name);
-        closedir(d);
-    }
+    for (const auto& e : fs::directory_iterator(path_)) names.push_back(e.path().filename());
     std::sort(names.begin(), names.end());
     return names;
 }
 
 std::string ReadFile(const std::string& path) {
-    struct stat st;
-    if (stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) return "";
     std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
+    return fs::is_regular_file(path) ? std::string(std::istreambuf_iterator<char>(in), {}) : "";
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(path, std::ios::binary | std::ios::trunc).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 std::u16string Wide(const std::string& utf8) {
@@ -69,27 +65,20 @@ int Run(const std::string& command, std::string* out) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-int ForEachFileFault(const std::function<int()>& run,
-                     const std::function<void(file::faults::Op, int, int)>& check) {
-    using file::faults::Op;
+int ForEachFileFault(const std::function<int()>& run, const std::function<void(file::faults::Op, int, int)>& check) {
     namespace ctl = file::faults::testing;
     int total = 0;
-    for (int k = 0; k < static_cast<int>(Op::count); ++k) {
-        const auto op = static_cast<Op>(k);
+    for (int k = 0; k < static_cast<int>(file::faults::Op::count); ++k) {
+        const auto op = static_cast<file::faults::Op>(k);
         for (int n = 1;; ++n) {
-            if (n > 100000) {
-                ADD_FAILURE() << "operation never completed";
-                break;
-            }
             ctl::FailNth(op, n);
             const int status = run();
             const bool fired = ctl::Fired();
             const int count = static_cast<int>(ctl::Count(op));
             ctl::Reset();
-            if (!fired) {
-                total += count;
-                break;
-            }
+            if (!fired) total += count;
+            if (n == 100000) ADD_FAILURE() << "operation never completed";
+            if (!fired || n == 100000) break;
             check(op, n, status);
         }
     }

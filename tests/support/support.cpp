@@ -6,40 +6,32 @@
 
 namespace kt::test {
 
-LiveCounts LiveCounts::Now() {
-    LiveCounts c{};
+LiveCounts Live() {
+    LiveCounts c;
     for (int m = 0; m < static_cast<int>(mem::Module::count); ++m)
-        c.perModule[m] = mem::testing::LiveBlocks(static_cast<mem::Module>(m));
+        c.push_back(mem::testing::LiveBlocks(static_cast<mem::Module>(m)));
     return c;
-}
-
-bool LiveCounts::operator==(const LiveCounts& o) const {
-    for (int m = 0; m < static_cast<int>(mem::Module::count); ++m)
-        if (perModule[m] != o.perModule[m]) return false;
-    return true;
 }
 
 int ForEachAllocationFailure(const std::function<int()>& run, const std::function<void(int, int)>& check) {
     for (int n = 1; n < 100000; ++n) {
-        const LiveCounts before = LiveCounts::Now();
+        const LiveCounts before = Live();
         mem::testing::FailNthAllocation(n);
         const int status = run();
         const bool fired = mem::testing::FailureFired();
         mem::testing::FailNthAllocation(0);
         if (!fired) return n - 1;
         check(n, status);
-        EXPECT_TRUE(LiveCounts::Now() == before) << "blocks leaked when allocation " << n << " failed";
+        EXPECT_EQ(Live(), before) << "blocks leaked when allocation " << n << " failed";
     }
     ADD_FAILURE() << "operation never completed";
     return -1;
 }
 
-Bytes Random(std::size_t n, unsigned seed, int pixelBytes) {
+Bytes Random(std::size_t n, unsigned seed) {
     std::mt19937 rng(seed);
     Bytes b(n);
-    const std::size_t ramp = 256 * static_cast<std::size_t>(pixelBytes);
-    for (std::size_t i = 0; i < n; ++i)
-        b[i] = i < ramp ? static_cast<std::uint8_t>(i / pixelBytes) : static_cast<std::uint8_t>(rng());
+    for (auto& x : b) x = static_cast<std::uint8_t>(rng());
     return b;
 }
 

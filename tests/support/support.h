@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ktclr/convert.h"
+#include "ktclr/embedded.h"
 #include "platform/alloc_control.h"
 #include "platform/file_faults.h"
 
@@ -37,17 +38,13 @@ public:
     unsigned char* end() const { return base_ + size(); }
 
 private:
-    unsigned char* region_ = nullptr;
     unsigned char* base_ = nullptr;
-    std::size_t pages_ = 0;
-    std::size_t page_ = 0;
+    std::size_t pages_ = 0, page_ = 0;
 };
 
-struct LiveCounts {
-    std::int64_t perModule[static_cast<int>(mem::Module::count)];
-    static LiveCounts Now();
-    bool operator==(const LiveCounts& o) const;
-};
+// Each module's count of live blocks.
+using LiveCounts = std::vector<std::int64_t>;
+LiveCounts Live();
 
 // Calls `run` with allocation number n = 1, 2, ... set to fail, until a run
 // completes without the failure firing, and checks after each failing run
@@ -57,33 +54,23 @@ struct LiveCounts {
 // allocations of a clean run.
 int ForEachAllocationFailure(const std::function<int()>& run, const std::function<void(int n, int status)>& check);
 
-inline ConversionParams Params(std::uint32_t method, std::uint32_t prepare = 0,
-                               std::uint32_t size = KTCLR_SIZEOF_CONVERSION_PARAMS_EX) {
+// Zero bytes throughout (records are compared with memcmp), the long form.
+inline ConversionParams Params(std::uint32_t method, std::uint32_t prepare = 0) {
     ConversionParams p;
     std::memset(&p, 0, sizeof p);
-    p.structSize = size;
-    p.method = method;
-    p.prepareMethods = prepare ? prepare : method;
+    p.structSize = KTCLR_SIZEOF_CONVERSION_PARAMS_EX, p.method = method, p.prepareMethods = prepare ? prepare : method;
     return p;
 }
 
-inline CmykOptions Cmyk(std::uint32_t value, std::uint32_t mask = 0) {
-    return CmykOptions{KTCLR_SIZEOF_CMYK_OPTIONS, value, mask};
-}
+inline CmykOptions Cmyk(std::uint32_t value, std::uint32_t mask = 0) { return {KTCLR_SIZEOF_CMYK_OPTIONS, value, mask}; }
 
 inline LabOptions Lab(std::int32_t base, std::uint32_t mask = 0) {
-    LabOptions o{KTCLR_SIZEOF_LAB_OPTIONS, mask, {}};
-    for (int i = 0; i < 6; ++i) o.ranges[i] = base + i;
-    return o;
+    return {KTCLR_SIZEOF_LAB_OPTIONS, mask, {base, base + 1, base + 2, base + 3, base + 4, base + 5}};
 }
 
 inline YuvOptions Yuv(void* buffer, std::uint32_t count, std::uint32_t mask = 0) {
-    YuvOptions o;
-    std::memset(&o, 0, sizeof o);
-    o.structSize = KTCLR_SIZEOF_YUV_OPTIONS;
-    o.validMask = mask;
-    o.buffer = buffer;
-    o.byteCount = count;
+    YuvOptions o{};
+    o.structSize = KTCLR_SIZEOF_YUV_OPTIONS, o.validMask = mask, o.buffer = buffer, o.byteCount = count;
     return o;
 }
 
@@ -92,29 +79,34 @@ struct Handle {
     ClrHandle* h = nullptr;
     Handle() = default;
     Handle(int src, int dst, ConversionParams* p = nullptr) { Vx_ClrInit(&h, src, dst, p); }
+    // With parameters of one method, prepared alone.
+    Handle(int src, int dst, std::uint32_t method) { Init(src, dst, Params(method)); }
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
-    ~Handle() {
-        if (h) Vx_ClrFree(h);
-    }
+    ~Handle() { Vx_ClrFree(h); }  // null: refused
     KtStatus Init(int src, int dst, ConversionParams* p = nullptr) { return Vx_ClrInit(&h, src, dst, p); }
+    KtStatus Init(int src, int dst, ConversionParams p) { return Vx_ClrInit(&h, src, dst, &p); }
 };
 
-// Pseudo-random bytes; with pixelBytes, a grey ramp of 256 pixels of that
-// many bytes comes first.
-Bytes Random(std::size_t n, unsigned seed, int pixelBytes = 0);
+// Pseudo-random bytes.
+Bytes Random(std::size_t n, unsigned seed);
 
-// A built-in profile as the library hands it out, and its header's size.
-Bytes BuiltinProfile(std::int32_t selector);
-std::uint32_t DeclaredSize(const Bytes& b);
+// A built-in profile as the library hands it out (inline, so that suites
+// which do not link the conversions can use the rest).
+inline Bytes BuiltinProfile(std::int32_t selector) {
+    std::int32_t size = 0;
+    Vx_ClrGetEmbeddedProfile(selector, nullptr, &size);
+    Bytes b(static_cast<std::size_t>(size));
+    Vx_ClrGetEmbeddedProfile(selector, b.data(), &size);
+    return b;
+}
 
 // Runs an operation once per file operation of each kind it makes, failing
 // that one operation, until a run completes without the failure firing.
 // `run` returns the status it got; `check(op, n, status)` judges each run in
 // which the n-th operation of kind `op` failed. Returns the number of
 // operations of all kinds in a clean run.
-int ForEachFileFault(const std::function<int()>& run,
-                     const std::function<void(file::faults::Op op, int n, int status)>& check);
+int ForEachFileFault(const std::function<int()>& run, const std::function<void(file::faults::Op, int, int)>& check);
 
 // A fresh temporary folder, removed with everything in it at scope exit.
 class ScratchDir {
@@ -144,20 +136,16 @@ int Run(const std::string& command, std::string* out = nullptr);
 class ScopedLocale {
 public:
     explicit ScopedLocale(const char* name)
-        : locale_(newlocale(LC_CTYPE_MASK, name, static_cast<locale_t>(0))),
-          previous_(locale_ ? uselocale(locale_) : static_cast<locale_t>(0)) {}
+        : locale_(newlocale(LC_CTYPE_MASK, name, locale_t{})), previous_(locale_ ? uselocale(locale_) : locale_t{}) {}
     ~ScopedLocale() {
-        if (!locale_) return;
-        uselocale(previous_);
-        freelocale(locale_);
+        if (locale_) uselocale(previous_), freelocale(locale_);
     }
     ScopedLocale(const ScopedLocale&) = delete;
     ScopedLocale& operator=(const ScopedLocale&) = delete;
-    bool ok() const { return locale_ != static_cast<locale_t>(0); }
+    bool ok() const { return locale_ != locale_t{}; }
 
 private:
-    locale_t locale_;
-    locale_t previous_;
+    locale_t locale_, previous_;
 };
 
 // An ASCII path into a caller's path field.
