@@ -16,12 +16,9 @@
 #include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "ktclr/icc_luts.h"
-#include "platform/alloc.h"
 
 namespace kt::icc {
 namespace {
-
-constexpr auto kModule = mem::Module::iccprofile;
 
 constexpr std::uint32_t kHeadBytes = 32;
 constexpr std::uint32_t kChannelsAt = 8;
