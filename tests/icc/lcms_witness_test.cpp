@@ -345,7 +345,7 @@ const std::set<uint32_t> kWitnessed = {Sig("XYZ "), Sig("curv"), Sig("para"), Si
 
 // Decodes every tag of a witnessed type here and through Little CMS and
 // compares them; returns the tags compared with their types.
-std::map<uint32_t, uint32_t> CompareProfile(const Bytes& bytes) {
+std::map<uint32_t, uint32_t> CompareProfile(const Bytes& bytes, Bytes* resaved = nullptr) {
     std::map<uint32_t, uint32_t> compared;
     Profile p;
     EXPECT_EQ(Vx_FillICCProfileStructure(p.get(), bytes.data(), uint32_t(bytes.size())), STATUS_OK);
@@ -367,17 +367,14 @@ std::map<uint32_t, uint32_t> CompareProfile(const Bytes& bytes) {
         }
         Vx_FreeICCTagType(ours.get(), type);
     }
+    // Saving writes each tag read above with Little CMS's own encoder.
+    cmsUInt32Number size = 0;
+    if (resaved && cmsSaveProfileToMem(lcms, nullptr, &size)) {
+        resaved->resize(size);
+        EXPECT_TRUE(cmsSaveProfileToMem(lcms, resaved->data(), &size));
+    }
     cmsCloseProfile(lcms);
     return compared;
-}
-
-Bytes SaveToMemory(cmsHPROFILE h) {
-    cmsUInt32Number size = 0;
-    EXPECT_TRUE(cmsSaveProfileToMem(h, nullptr, &size));
-    Bytes bytes(size);
-    EXPECT_TRUE(cmsSaveProfileToMem(h, bytes.data(), &size));
-    cmsCloseProfile(h);
-    return bytes;
 }
 
 TEST(LittleCmsWitness, ReadsWhatIsWrittenHere) {
@@ -417,8 +414,15 @@ TEST(LittleCmsWitness, ReadsWhatIsWrittenHere) {
     }
     ASSERT_EQ(Vx_GenerateICCPointer(p.get()), STATUS_OK);
     const Bytes image = p.Image();
-    const std::map<uint32_t, uint32_t> compared = CompareProfile(image);
-    for (const auto& t : tags) EXPECT_EQ(compared.count(t.tag), 1u) << std::string{char(t.tag >> 24), char(t.tag >> 16), char(t.tag >> 8), char(t.tag)};
+    // Little CMS reads every tag as it is read here, then writes them all
+    // with its own encoders, and those read here as Little CMS reads them.
+    Bytes resaved;
+    const std::map<uint32_t, uint32_t> compared = CompareProfile(image, &resaved);
+    std::map<uint32_t, uint32_t> expected;
+    for (const auto& t : tags) expected[t.tag] = t.type;
+    EXPECT_EQ(compared, expected);
+    expected[Sig("A2B1")] = Sig("mAB "), expected[Sig("cprt")] = Sig("mluc");  // the types it writes in v4
+    EXPECT_EQ(CompareProfile(resaved), expected);
 
     // The header as Little CMS reads it.
     cmsHPROFILE h = cmsOpenProfileFromMem(image.data(), cmsUInt32Number(image.size()));
@@ -439,124 +443,6 @@ TEST(LittleCmsWitness, ReadsWhatIsWrittenHere) {
     EXPECT_EQ((std::vector<int>{created.tm_year + 1900, created.tm_mon + 1, created.tm_mday, created.tm_min}),
               (std::vector<int>{2023, 7, 14, 30}));
     cmsCloseProfile(h);
-}
-
-cmsStage* Curves(uint32_t n, bool parametric) {
-    std::vector<cmsUInt16Number> ramp(256);
-    for (uint32_t i = 0; i < 256; ++i) ramp[i] = cmsUInt16Number(i * 257 ^ (i & 3));
-    const cmsFloat64Number g[1] = {2.2};
-    std::vector<cmsToneCurve*> c(n);
-    for (cmsToneCurve*& t : c)
-        t = parametric ? cmsBuildParametricToneCurve(nullptr, 1, g) : cmsBuildTabulatedToneCurve16(nullptr, 256, ramp.data());
-    cmsStage* s = cmsStageAllocToneCurves(nullptr, n, c.data());
-    for (cmsToneCurve* t : c) cmsFreeToneCurve(t);
-    return s;
-}
-
-cmsStage* Clut(uint32_t grid, uint32_t in, uint32_t out) {
-    cmsUInt32Number n = out;
-    for (uint32_t i = 0; i < in; ++i) n *= grid;
-    std::vector<cmsUInt16Number> t(n);
-    for (cmsUInt32Number i = 0; i < n; ++i) t[i] = cmsUInt16Number(i * 2654435761u >> 16);
-    return cmsStageAllocCLut16bit(nullptr, grid, in, out, t.data());
-}
-
-// A v4 profile with a tag of every type Little CMS writes in v4 (lut16
-// comes from the distribution's v2 profiles).
-TEST(LittleCmsWitness, ReadsWhatLittleCmsWrote) {
-    cmsHPROFILE h = cmsCreateProfilePlaceholder(nullptr);
-    cmsSetProfileVersion(h, 4.3);
-    cmsSetDeviceClass(h, cmsSigOutputClass);
-    cmsSetColorSpace(h, cmsSigCmykData);
-    cmsSetPCS(h, cmsSigLabData);
-    cmsMLU* desc = cmsMLUalloc(nullptr, 2);
-    cmsMLUsetWide(desc, "en", "US", L"Written by Little CMS");
-    cmsMLUsetWide(desc, "ja", "JP", L"\u30ea\u30c8\u30eb");
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigProfileDescriptionTag, desc));
-    cmsMLUfree(desc);
-    const cmsCIEXYZ white = {0.9642, 1.0, 0.8249};
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigMediaWhitePointTag, &white));
-    const double chad[9] = {1.0479, 0.0229, -0.0502, 0.0296, 0.9904, -0.0171, -0.0092, 0.0151, 0.7519};
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigChromaticAdaptationTag, chad));
-    cmsTechnologySignature tech = cmsSigFilmScanner;
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigTechnologyTag, &tech));
-    struct tm when = {};
-    when.tm_year = 99, when.tm_mon = 11, when.tm_mday = 31, when.tm_hour = 23, when.tm_min = 59, when.tm_sec = 59;
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigCalibrationDateTimeTag, &when));
-    cmsICCMeasurementConditions meas = {2, {0.1, 0.2, 0.3}, 1, 0.0, 3};
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigMeasurementTag, &meas));
-    cmsICCViewingConditions view = {{95.05, 100.0, 108.9}, {19.0, 20.0, 21.8}, 1};
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigViewingConditionsTag, &view));
-    cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigChromaticityTag, &primaries));
-    cmsUInt8Number order[cmsMAXCHANNELS];
-    std::memset(order, 0xFF, sizeof order);
-    order[0] = 1, order[1] = 0, order[2] = 2, order[3] = 3;
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigColorantOrderTag, order));
-    const cmsUInt16Number pcsR[3] = {0x1111, 0x2222, 0x3333}, pcsG[3] = {0xFFFF, 0, 0x8000};
-    cmsNAMEDCOLORLIST* colorants = cmsAllocNamedColorList(nullptr, 3, 0, "", "");
-    cmsAppendNamedColor(colorants, "Red ink", const_cast<cmsUInt16Number*>(pcsR), nullptr);
-    cmsAppendNamedColor(colorants, "Green ink", const_cast<cmsUInt16Number*>(pcsG), nullptr);
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigColorantTableTag, colorants));
-    cmsFreeNamedColorList(colorants);
-    cmsNAMEDCOLORLIST* named = cmsAllocNamedColorList(nullptr, 2, 4, "Pantone ", " C");
-    cmsUInt16Number device1[cmsMAXCHANNELS] = {1, 2, 3, 4}, device2[cmsMAXCHANNELS] = {0xFFFF, 0x8000, 0, 7};
-    cmsAppendNamedColor(named, "185", const_cast<cmsUInt16Number*>(pcsR), device1);
-    cmsAppendNamedColor(named, "286", const_cast<cmsUInt16Number*>(pcsG), device2);
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigNamedColor2Tag, named));
-    cmsFreeNamedColorList(named);
-    cmsSEQ* seq = cmsAllocProfileSequenceDescription(nullptr, 2);
-    for (cmsUInt32Number i = 0; i < 2; ++i) {
-        seq->seq[i].deviceMfg = Sig("ACME") + i;
-        seq->seq[i].deviceModel = Sig("M100") + i;
-        seq->seq[i].attributes = 0x0102030405060708ull << i;
-        seq->seq[i].technology = cmsSigCRTDisplay;
-        cmsMLUsetWide(seq->seq[i].Manufacturer, "en", "US", i ? L"Acme two" : L"Acme");
-        cmsMLUsetWide(seq->seq[i].Model, "en", "US", L"Model");
-    }
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigProfileSequenceDescTag, seq));
-    cmsFreeProfileSequenceDescription(seq);
-    Bytes dataBlock(sizeof(cmsICCData) + 8);
-    auto* data = reinterpret_cast<cmsICCData*>(dataBlock.data());
-    data->len = 6, data->flag = 0;
-    std::memcpy(data->data, "ascii", 6);
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigPs2CRD0Tag, data));
-    std::vector<cmsUInt16Number> table(1024);
-    for (uint32_t i = 0; i < table.size(); ++i) table[i] = cmsUInt16Number(i * 64 + (i & 7));
-    const cmsFloat64Number srgb[5] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
-    const cmsFloat64Number six[7] = {2.2, 0.9, 0.1, 0.05, 0.02, 0.01, 0.003};
-    cmsToneCurve* trc[3] = {cmsBuildTabulatedToneCurve16(nullptr, cmsUInt32Number(table.size()), table.data()),
-                            cmsBuildParametricToneCurve(nullptr, 4, srgb), cmsBuildParametricToneCurve(nullptr, 5, six)};
-    const cmsTagSignature trcTags[3] = {cmsSigRedTRCTag, cmsSigGreenTRCTag, cmsSigBlueTRCTag};
-    for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(cmsWriteTag(h, trcTags[i], trc[i]));
-        cmsFreeToneCurve(trc[i]);
-    }
-    const cmsFloat64Number mat[9] = {0.5, 0.25, 0.125, -0.5, 1, 0, 0.75, 0.1, 0.2};
-    const cmsFloat64Number off[3] = {0.1, -0.2, 0.3};
-    cmsPipeline* a2b = cmsPipelineAlloc(nullptr, 4, 3);
-    cmsPipelineInsertStage(a2b, cmsAT_END, Curves(4, false));
-    cmsPipelineInsertStage(a2b, cmsAT_END, Clut(3, 4, 3));
-    cmsPipelineInsertStage(a2b, cmsAT_END, Curves(3, true));
-    cmsPipelineInsertStage(a2b, cmsAT_END, cmsStageAllocMatrix(nullptr, 3, 3, mat, off));
-    cmsPipelineInsertStage(a2b, cmsAT_END, Curves(3, false));
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigAToB0Tag, a2b));
-    cmsPipelineFree(a2b);
-    cmsPipeline* b2a = cmsPipelineAlloc(nullptr, 3, 4);
-    cmsPipelineInsertStage(b2a, cmsAT_END, Curves(3, true));
-    cmsPipelineInsertStage(b2a, cmsAT_END, cmsStageAllocMatrix(nullptr, 3, 3, mat, off));
-    cmsPipelineInsertStage(b2a, cmsAT_END, Curves(3, false));
-    cmsPipelineInsertStage(b2a, cmsAT_END, Clut(5, 3, 4));
-    cmsPipelineInsertStage(b2a, cmsAT_END, Curves(4, false));
-    ASSERT_TRUE(cmsWriteTag(h, cmsSigBToA0Tag, b2a));
-    cmsPipelineFree(b2a);
-    const Bytes v4 = SaveToMemory(h);
-
-    std::set<uint32_t> types;
-    for (const auto& [tag, type] : CompareProfile(v4)) types.insert(type);
-    EXPECT_EQ(types, (std::set<uint32_t>{Sig("XYZ "), Sig("curv"), Sig("para"), Sig("mAB "), Sig("mBA "), Sig("mluc"),
-                                         Sig("sf32"), Sig("sig "), Sig("dtim"), Sig("meas"), Sig("view"), Sig("chrm"),
-                                         Sig("clro"), Sig("clrt"), Sig("ncl2"), Sig("pseq"), Sig("data")}));
 }
 
 // Each of the distribution's profiles: read from its file, its header and
