@@ -2,13 +2,11 @@
 // each against bytes or values worked out by hand.
 #include <gtest/gtest.h>
 
-#include "platform/alloc_control.h"
 #include "tag_samples.h"
 
 namespace {
 
 using namespace icctest;
-namespace memt = kt::mem::testing;
 
 TEST(TagQuirks, SignatureIsLeftJustifiedWithSpaces) {
     const struct {
@@ -108,9 +106,9 @@ TEST(TagQuirks, CreateChecksWhatItIsGiven) {
     }
 }
 
-// What a failed parse or create allocated stays in the record until
-// Vx_FreeICCTagType releases it (the leak checks of the sanitizer run see
-// the rest).
+// What a failed create allocated stays in the record until
+// Vx_FreeICCTagType releases it (the sanitizer run's leak checks see the
+// failed parses of the tag-type harness).
 TEST(TagQuirks, FailuresLeaveTheirArraysForTheRelease) {
     Samples s;
     s.descriptions[1].model.strings = nullptr;
@@ -119,19 +117,6 @@ TEST(TagQuirks, FailuresLeaveTheirArraysForTheRelease) {
     EXPECT_NE(half.descriptions, nullptr);
     Vx_FreeICCTagType(&half, Sig("pseq"));
     EXPECT_EQ(half.descriptions, nullptr);
-
-    Samples whole;
-    for (const Sample& t : whole.All()) {
-        if (t.type != Sig("rcs2") && t.type != Sig("pseq") && t.type != Sig("mAB ")) continue;
-        SCOPED_TRACE(t.name);
-        Bytes cut(t.element.begin(), t.element.end() - 1);
-        const int64_t before = memt::LiveBlocksTotal();
-        AnyRecord out;
-        EXPECT_EQ(kt::icc::FindTagTypeCodec(t.type)->parse(cut.data(), uint32_t(cut.size()), out.get()), ERR_INVALID_TAG);
-        EXPECT_GT(memt::LiveBlocksTotal(), before);
-        Vx_FreeICCTagType(out.get(), t.type);
-        EXPECT_EQ(memt::LiveBlocksTotal(), before);
-    }
 }
 
 TEST(TagQuirks, LutRules) {
