@@ -62,6 +62,7 @@ TEST(Serialize, FillStatuses) {
         {"a count of -1", 128, 0xFFFFFFFFu, 192, STATUS_OK, -1},
         {"a directory past the image", 128, 6, 192, ERR_ICC_INVALID_PROFILE, 0},
         {"a directory of 2^31 - 1 rows", 128, 0x7FFFFFFF, 192, ERR_ICC_INVALID_PROFILE, 0},
+        {"no bytes", 0, 192, 0, ERR_INVALID_PARAMETER, 0},
     };
     for (const auto& c : cases) {
         Bytes bytes = image;
@@ -77,7 +78,6 @@ TEST(Serialize, FillStatuses) {
     Profile p;
     EXPECT_EQ(Vx_FillICCProfileStructure(nullptr, image.data(), 10), ERR_INVALID_PARAMETER);
     EXPECT_EQ(Vx_FillICCProfileStructure(p.get(), nullptr, 10), ERR_INVALID_PARAMETER);
-    EXPECT_EQ(Vx_FillICCProfileStructure(p.get(), image.data(), 0), ERR_INVALID_PARAMETER);
     // A failed parse keeps a header the record already had.
     ASSERT_EQ(Vx_InitICCHeader(p.get()), STATUS_OK);
     EXPECT_EQ(Vx_FillICCProfileStructure(p.get(), image.data(), 191), ERR_ICC_INVALID_PROFILE);
@@ -95,23 +95,23 @@ TEST(Serialize, FileStatuses) {
     const Bytes image = SampleImage();
     const std::string path = ::testing::TempDir() + "ktclr_icc_file.icc";
     const std::u16string path16 = Utf16(path);
-    {
-        Profile p;
-        ASSERT_EQ(Vx_FillICCProfileStructure(p.get(), image.data(), 192), STATUS_OK);
-        EXPECT_EQ(Vx_GenerateICCFile(nullptr, path16.c_str()), ERR_INVALID_PARAMETER);
-        EXPECT_EQ(Vx_GenerateICCFile(p.get(), nullptr), ERR_INVALID_PARAMETER);
-        EXPECT_EQ(Vx_GenerateICCFile(p.get(), u"/nonexistent-dir/x.icc"), ERR_FILE_CREATE);
-        ASSERT_EQ(Vx_GenerateICCFile(p.get(), path16.c_str()), STATUS_OK);
-        Profile back;
-        EXPECT_EQ(Vx_FillICCProfileFromICCFile(nullptr, back.get()), ERR_INVALID_PARAMETER);
-        EXPECT_EQ(Vx_FillICCProfileFromICCFile(path16.c_str(), nullptr), ERR_INVALID_PARAMETER);
-        EXPECT_EQ(Vx_FillICCProfileFromICCFile(u"/nonexistent-dir/x.icc", back.get()), ERR_FILE_CREATE);
-        ASSERT_EQ(Vx_FillICCProfileFromICCFile(path16.c_str(), back.get()), STATUS_OK);
-        EXPECT_EQ(back.Image(), image);
-        // Without an image the write fails after creating the file.
-        Vx_ClrIntFreeICCData(p.get());
-        EXPECT_EQ(Vx_GenerateICCFile(p.get(), path16.c_str()), ERR_FILE_WRITE);
-    }
+    const char16_t* missing = u"/nonexistent-dir/x.icc";
+    Profile p, back;
+    ASSERT_EQ(Vx_FillICCProfileStructure(p.get(), image.data(), 192), STATUS_OK);
+    for (const auto& [status, expected] : {std::pair{Vx_GenerateICCFile(nullptr, path16.c_str()), ERR_INVALID_PARAMETER},
+                                           {Vx_GenerateICCFile(p.get(), nullptr), ERR_INVALID_PARAMETER},
+                                           {Vx_GenerateICCFile(p.get(), missing), ERR_FILE_CREATE},
+                                           {Vx_FillICCProfileFromICCFile(nullptr, back.get()), ERR_INVALID_PARAMETER},
+                                           {Vx_FillICCProfileFromICCFile(path16.c_str(), nullptr), ERR_INVALID_PARAMETER},
+                                           {Vx_FillICCProfileFromICCFile(missing, back.get()), ERR_FILE_CREATE}})
+        EXPECT_EQ(status, expected);
+    ASSERT_EQ(Vx_GenerateICCFile(p.get(), path16.c_str()), STATUS_OK);
+    ASSERT_EQ(Vx_FillICCProfileFromICCFile(path16.c_str(), back.get()), STATUS_OK);
+    EXPECT_EQ(back.Image(), image);
+    // Without an image the write fails after creating the file.
+    Vx_ClrIntFreeICCData(p.get());
+    EXPECT_EQ(Vx_GenerateICCFile(p.get(), path16.c_str()), ERR_FILE_WRITE);
+
     // Byte edits of the file: 'acsp', the version's major and minor digits,
     // the size word; a size below the length reads that many bytes only.
     const struct {
@@ -135,8 +135,8 @@ TEST(Serialize, FileStatuses) {
         Bytes bytes(image.begin(), image.begin() + c.length);
         for (const auto& [at, value] : c.edits) bytes[at] = value;
         std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-        Profile p;
-        EXPECT_EQ(Vx_FillICCProfileFromICCFile(path16.c_str(), p.get()), c.expected) << testing::PrintToString(c.edits);
+        Profile q;
+        EXPECT_EQ(Vx_FillICCProfileFromICCFile(path16.c_str(), q.get()), c.expected) << testing::PrintToString(c.edits);
     }
     std::remove(path.c_str());
 }
