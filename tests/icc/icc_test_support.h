@@ -13,10 +13,12 @@
 
 #include "icc/tag_types.h"
 #include "ktclr/icc.h"
+#include "support/support.h"
 
 namespace icctest {
 
-using Bytes = std::vector<uint8_t>;
+using kt::test::Bytes;
+using kt::test::Wide;
 
 constexpr uint32_t Sig(const char (&s)[5]) {
     return (uint32_t(uint8_t(s[0])) << 24) | (uint32_t(uint8_t(s[1])) << 16) | (uint32_t(uint8_t(s[2])) << 8) |
@@ -56,7 +58,6 @@ inline Bytes Utf16Be(const std::u16string& s) {
     }
     return out;
 }
-inline std::u16string Utf16(const std::string& s) { return std::u16string(s.begin(), s.end()); }
 
 // A record that is initialized on construction and freed on destruction.
 struct Profile {

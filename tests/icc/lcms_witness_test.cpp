@@ -14,8 +14,6 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
 
@@ -24,11 +22,6 @@
 namespace {
 
 using namespace icctest;
-
-Bytes ReadAll(const std::string& path) {
-    std::ifstream f(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
-}
 
 // The ICC profiles Debian installs under /usr/share/color (icc-profiles-free,
 // colord-data, argyll-ref).
@@ -177,7 +170,7 @@ void Compare(const Bytes& bytes, cmsHPROFILE lcms, uint32_t tag, uint32_t type, 
         char ascii[4096] = {};
         cmsMLUgetASCII(static_cast<const cmsMLU*>(theirs), cmsNoLanguage, cmsNoCountry, ascii, sizeof ascii);
         if (t.count < sizeof ascii - 1) {
-            EXPECT_EQ(std::u16string(static_cast<const char16_t*>(t.text), t.count), Utf16(ascii));
+            EXPECT_EQ(std::u16string(static_cast<const char16_t*>(t.text), t.count), std::u16string(ascii, ascii + std::strlen(ascii)));
         }
         return;
     }
@@ -321,11 +314,12 @@ TEST(LittleCmsWitness, DistributionProfiles) {
     std::map<uint32_t, int> perType;
     for (const std::string& path : paths) {
         SCOPED_TRACE(path);
-        const Bytes file = ReadAll(path);
+        const std::string read = kt::test::ReadFile(path);
+        const Bytes file(read.begin(), read.end());
         ASSERT_GE(file.size(), 132u);
         const uint32_t size = Be32(file.data());
         Profile p;
-        ASSERT_EQ(Vx_FillICCProfileFromICCFile(Utf16(path).c_str(), p.get()), STATUS_OK);
+        ASSERT_EQ(Vx_FillICCProfileFromICCFile(Wide(path).c_str(), p.get()), STATUS_OK);
         ASSERT_EQ(p->header->size, size);
         cmsHPROFILE lcms = cmsOpenProfileFromMem(file.data(), cmsUInt32Number(file.size()));
         ASSERT_NE(lcms, nullptr);

@@ -2,8 +2,6 @@
 // against an image whose bytes are edited by hand.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <string>
 
 #include "icc_test_support.h"
@@ -93,8 +91,9 @@ TEST(Serialize, FillStatuses) {
 
 TEST(Serialize, FileStatuses) {
     const Bytes image = SampleImage();
-    const std::string path = ::testing::TempDir() + "ktclr_icc_file.icc";
-    const std::u16string path16 = Utf16(path);
+    const kt::test::ScratchDir dir;
+    const std::string path = dir.File("p.icc");
+    const std::u16string path16 = Wide(path);
     const char16_t* missing = u"/nonexistent-dir/x.icc";
     Profile p, back;
     ASSERT_EQ(Vx_FillICCProfileStructure(p.get(), image.data(), 192), STATUS_OK);
@@ -134,11 +133,10 @@ TEST(Serialize, FileStatuses) {
     for (const auto& c : cases) {
         Bytes bytes(image.begin(), image.begin() + c.length);
         for (const auto& [at, value] : c.edits) bytes[at] = value;
-        std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+        kt::test::WriteFile(path, std::string(bytes.begin(), bytes.end()));
         Profile q;
         EXPECT_EQ(Vx_FillICCProfileFromICCFile(path16.c_str(), q.get()), c.expected) << testing::PrintToString(c.edits);
     }
-    std::remove(path.c_str());
 }
 
 }  // namespace
