@@ -2,6 +2,8 @@
 // each against bytes or values worked out by hand.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "tag_samples.h"
 
 namespace {

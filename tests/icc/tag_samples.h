@@ -2,7 +2,6 @@
 // with the element it encodes to worked out by hand from the format.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -39,12 +38,52 @@ inline std::u16string MlucString(const ICCMultiLocalizedUnicodeType& m, uint32_t
     return std::u16string(m.strings + (m.records[i].offset - (16 + 12 * m.count)) / 2, m.records[i].length / 2);
 }
 
+// A parsed lutAtoB or lutBtoA holds flat host-order parts that do not
+// encode again; they are put back into an element in file order, curves
+// through the exported re-readers, the CLUT with its entries big-endian.
+inline Bytes AbElement(const ICCLutAtoB& r, bool aToB) {
+    auto curves = [](const void* flat, uint32_t count) {
+        Bytes out;
+        const auto* p = static_cast<const uint8_t*>(flat);
+        for (uint32_t i = 0; p && i < count; ++i, p += Vx_ClrIntGetLutCurveSize(p, 1, 0, 0)) {
+            AnyRecord c;
+            const uint32_t type = Vx_ClrIntIsParametricCurveType(p, 0) ? Sig("para") : Sig("curv");
+            EXPECT_EQ(type == Sig("para") ? Vx_ClrIntGetParametricCurveTypeLittleIndian(p, static_cast<ICCParametricCurveType*>(c.get()))
+                                          : Vx_ClrIntGetCurveTypeLittleIndian(p, static_cast<ICCCurveType*>(c.get())),
+                      STATUS_OK);
+            out = Cat({out, ElementOf(c.get(), type)});
+            out.resize((out.size() + 3) & ~size_t{3});
+            Vx_FreeICCTagType(c.get(), type);
+        }
+        return out;
+    };
+    Bytes clut;
+    if (const auto* c = static_cast<const uint8_t*>(r.clut)) {
+        uint32_t count = r.outputChannels;
+        for (int k = 0; k < r.inputChannels; ++k) count *= c[k];
+        clut = Cat({Of(c, 17), Bytes(3), Of(c + 20, size_t{count} * c[16])});
+        if (c[16] == 2)
+            for (size_t i = 20; i < clut.size(); i += 2) std::swap(clut[i], clut[i + 1]);
+        clut.resize((clut.size() + 3) & ~size_t{3});
+    }
+    const uint32_t a = aToB ? r.inputChannels : r.outputChannels, mb = aToB ? r.outputChannels : r.inputChannels;
+    Bytes matrix;
+    for (int32_t v : r.matrix) matrix = Cat({matrix, Be32s({uint32_t(v)})});
+    const Bytes parts[5] = {curves(r.curvesB, mb), r.offsetMatrix ? matrix : Bytes{}, curves(r.curvesM, mb), clut,
+                            curves(r.curvesA, a)};
+    Bytes element = Cat({Be32s({r.signature, 0}), {r.inputChannels, r.outputChannels, 0, 0}});
+    uint32_t at = 32;
+    for (const Bytes& part : parts) element = Cat({element, Be32s({part.empty() ? 0 : at})}), at += uint32_t(part.size());
+    for (const Bytes& part : parts) element = Cat({element, part});
+    return element;
+}
+
 // A sample: the record, the element it encodes to, the shortest prefix of
 // that element that parses (0 when only the whole element does, as for
 // every type whose count is not the element's size), where counts sit
 // whose growth must be refused before anything is allocated, and, for a
 // type whose parsed record does not encode back to the same element, the
-// element it does encode back to or a check of the parsed record.
+// element it does encode back to.
 struct Sample {
     const char* name = nullptr;
     uint32_t type = 0;
@@ -52,7 +91,6 @@ struct Sample {
     Bytes element;
     uint32_t shortest = 0;  // 0: only the whole element
     std::vector<uint32_t> countsAt = {};
-    std::function<void(const void* parsed)> check = nullptr;
     Bytes reencoded = {};
 };
 
@@ -100,15 +138,6 @@ struct AbParts {
                     Be32s({0x10000, 0, 0, 0, 0x10000, 0, 0, 0, 0x10000, 1, 2, 3}), Head("curv"),
                     {0, 0, 0, 1, 0x02, 0x33, 0, 0}, {2}, Bytes(15), {1, 0, 0, 0, 0x11, 0x22, 0, 0}, Head("para"),
                     {0, 0, 0, 0, 0, 2, 0, 0}});
-    }
-    void Check(const ICCLutAtoB& got) const {
-        const uint32_t offsets[5] = {32, 44, 92, 108, 132};
-        EXPECT_EQ(Of(&got.offsetB, 20), Of(offsets, 20));
-        EXPECT_EQ(Of(got.matrix, 48), Of(lut.matrix, 48));
-        EXPECT_EQ(ValuesOfFlatSet(got.curvesB, 1), ValuesOfRecords(b, 1));
-        EXPECT_EQ(ValuesOfFlatSet(got.curvesM, 1), ValuesOfRecords(m, 1));
-        EXPECT_EQ(ValuesOfFlatSet(got.curvesA, 1), ValuesOfRecords(a, 1));
-        EXPECT_EQ(Of(got.clut, 24), Cat({{2}, Bytes(15), {1, 0, 0, 0, 0x11, 0x22, 0, 0}}));
     }
 };
 
@@ -222,10 +251,8 @@ struct Samples {
             // The entry counts at 48 and 50 stand in native order.
             {"mft1", Sig("mft1"), &mft1, Cat({Head("mft1"), {1, 1, 2, 0}, matrix, {2, 0, 3, 0}, {1, 2, 3, 4, 5, 6, 7}}), 0,
              {8, 10, 49, 51}},
-            {"mAB", Sig("mAB "), &aToB.lut, aToB.Element("mAB "), 0, {108},
-             [this](const void* got) { aToB.Check(*static_cast<const ICCLutAtoB*>(got)); }},
-            {"mBA", Sig("mBA "), &bToA.lut, bToA.Element("mBA "), 0, {40},
-             [this](const void* got) { bToA.Check(*static_cast<const ICCLutAtoB*>(got)); }},
+            {"mAB", Sig("mAB "), &aToB.lut, aToB.Element("mAB "), 0, {108}},
+            {"mBA", Sig("mBA "), &bToA.lut, bToA.Element("mBA "), 0, {40}},
             {"sf32", Sig("sf32"), &sf32, Cat({Head("sf32"), Be32s({0x10000, 0xFFFF8000, 0x7FFFFFFF, 0x80000000})}), 8},
             {"uf32", Sig("uf32"), &uf32, Cat({Head("uf32"), Be32s({0x10000, 0x8000, 0xFFFFFFFF})}), 8},
             {"ui08", Sig("ui08"), &ui08, Cat({Head("ui08"), {0, 1, 0x7F, 0x80, 0xFF}}), 8},
@@ -255,11 +282,11 @@ struct Samples {
             // PCS values as they stand in memory, device values big-endian;
             // parsing reads both big-endian, so the parsed PCS values encode
             // back byte-swapped.
-            {"ncl2", Sig("ncl2"), &ncl2, ncl2Element, 0, {12, 16}, nullptr,
+            {"ncl2", Sig("ncl2"), &ncl2, ncl2Element, 0, {12, 16},
              With(With(ncl2Element, 116, {1, 2, 3, 4, 5, 6}), 162, {0x80, 0, 0, 0x80, 0xFF, 0})},
             // Attributes as they stand in memory, likewise; each description
             // an mluc.
-            {"pseq", Sig("pseq"), &pseq, pseqElement, 0, {8}, nullptr,
+            {"pseq", Sig("pseq"), &pseq, pseqElement, 0, {8},
              With(With(pseqElement, 20, {0, 0, 0, 1, 0, 0, 0, 2}), 148, {0x80, 0, 0, 0, 0, 0, 0, 1})},
             {"rcs2", Sig("rcs2"), &rcs2, Cat({Head("rcs2"), {0, 2, 0, 2}, Be32s({20, 80}), response0, response1}), 0,
              {10}},
