@@ -44,7 +44,7 @@ TEST(Helpers, Sizes) {
 
     // Records walk by the record size, flat host-order sets by their bytes.
     uint16_t e[3] = {1, 2, 3};
-    int32_t g[7] = {};
+    int32_t g[7] = {1, 2, 3, 4, 5, 6, 7};
     struct {
         ICCCurveType three;
         ICCParametricCurveType para;
@@ -57,7 +57,8 @@ TEST(Helpers, Sizes) {
     ASSERT_EQ(Vx_ConvertParametricCurveTypeToBuffer(flat.data() + 20, &mixed.para), STATUS_OK);
     ASSERT_EQ(Vx_ConvertCurveTypeToBuffer(flat.data() + 52, &mixed.one), STATUS_OK);
     EXPECT_EQ(Vx_ClrIntGetLutCurveSize(flat.data(), 3, 0, 0), 68u);
-    EXPECT_EQ(ValuesOfFlatSet(flat.data(), 3), ValuesOfRecords(&mixed, 3));
+    EXPECT_EQ(FlatSetElements(flat.data(), 3), Cat({ElementOf(&mixed.three, Sig("curv")), {0, 0},
+                                                     ElementOf(&mixed.para, Sig("para")), ElementOf(&mixed.one, Sig("curv")), {0, 0}}));
 }
 
 TEST(Helpers, ParametricTestReadsTheAskedOrder) {

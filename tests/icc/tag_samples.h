@@ -34,29 +34,10 @@ struct Mluc {
     Mluc(const Mluc&) = delete;
 };
 
-inline std::u16string MlucString(const ICCMultiLocalizedUnicodeType& m, uint32_t i) {
-    return std::u16string(m.strings + (m.records[i].offset - (16 + 12 * m.count)) / 2, m.records[i].length / 2);
-}
-
 // A parsed lutAtoB or lutBtoA holds flat host-order parts that do not
-// encode again; they are put back into an element in file order, curves
-// through the exported re-readers, the CLUT with its entries big-endian.
+// encode again; they are put back into an element in file order, the CLUT
+// with its entries big-endian.
 inline Bytes AbElement(const ICCLutAtoB& r, bool aToB) {
-    auto curves = [](const void* flat, uint32_t count) {
-        Bytes out;
-        const auto* p = static_cast<const uint8_t*>(flat);
-        for (uint32_t i = 0; p && i < count; ++i, p += Vx_ClrIntGetLutCurveSize(p, 1, 0, 0)) {
-            AnyRecord c;
-            const uint32_t type = Vx_ClrIntIsParametricCurveType(p, 0) ? Sig("para") : Sig("curv");
-            EXPECT_EQ(type == Sig("para") ? Vx_ClrIntGetParametricCurveTypeLittleIndian(p, static_cast<ICCParametricCurveType*>(c.get()))
-                                          : Vx_ClrIntGetCurveTypeLittleIndian(p, static_cast<ICCCurveType*>(c.get())),
-                      STATUS_OK);
-            out = Cat({out, ElementOf(c.get(), type)});
-            out.resize((out.size() + 3) & ~size_t{3});
-            Vx_FreeICCTagType(c.get(), type);
-        }
-        return out;
-    };
     Bytes clut;
     if (const auto* c = static_cast<const uint8_t*>(r.clut)) {
         uint32_t count = r.outputChannels;
@@ -69,8 +50,8 @@ inline Bytes AbElement(const ICCLutAtoB& r, bool aToB) {
     const uint32_t a = aToB ? r.inputChannels : r.outputChannels, mb = aToB ? r.outputChannels : r.inputChannels;
     Bytes matrix;
     for (int32_t v : r.matrix) matrix = Cat({matrix, Be32s({uint32_t(v)})});
-    const Bytes parts[5] = {curves(r.curvesB, mb), r.offsetMatrix ? matrix : Bytes{}, curves(r.curvesM, mb), clut,
-                            curves(r.curvesA, a)};
+    const Bytes parts[5] = {FlatSetElements(r.curvesB, mb), r.offsetMatrix ? matrix : Bytes{},
+                            FlatSetElements(r.curvesM, mb), clut, FlatSetElements(r.curvesA, a)};
     Bytes element = Cat({Be32s({r.signature, 0}), {r.inputChannels, r.outputChannels, 0, 0}});
     uint32_t at = 32;
     for (const Bytes& part : parts) element = Cat({element, Be32s({part.empty() ? 0 : at})}), at += uint32_t(part.size());
