@@ -179,6 +179,25 @@ TEST(LittleCmsWitness, ReadsWhatIsWrittenHere) {
     EXPECT_EQ(compared, expected);
     expected[Sig("A2B1")] = Sig("mAB "), expected[Sig("cprt")] = Sig("mluc");  // the types it writes in v4
     EXPECT_EQ(CompareProfile(resaved), expected);
+    // Little CMS's encoders reproduce the elements written here, except
+    // where it keeps one XYZ value, writes lut16 and text as their v4 types,
+    // lays out lutAtoB/lutBtoA its own way, drops the chromaticity colorant
+    // type, and writes ncl2 PCS values big-endian.
+    Profile ours, theirs;
+    ASSERT_EQ(Vx_FillICCProfileStructure(ours.get(), image.data(), uint32_t(image.size())), STATUS_OK);
+    ASSERT_EQ(Vx_FillICCProfileStructure(theirs.get(), resaved.data(), uint32_t(resaved.size())), STATUS_OK);
+    auto element = [](Profile& q, uint32_t tag) {
+        for (int32_t i = 0; i < q->tagCount; ++i)
+            if (q->tagList[i].signature == tag) return Of(q->profileData + q->tagList[i].offset, q->tagList[i].size);
+        return Bytes{};
+    };
+    const std::set<uint32_t> rewritten = {Sig("wtpt"), Sig("A2B1"), Sig("A2B0"), Sig("B2A0"),
+                                          Sig("cprt"), Sig("chrm"), Sig("ncl2")};
+    for (const auto& t : tags) {
+        if (!rewritten.count(t.tag)) {
+            EXPECT_EQ(element(ours, t.tag), element(theirs, t.tag)) << t.tag;
+        }
+    }
 
     // The header as Little CMS reads it.
     cmsHPROFILE h = cmsOpenProfileFromMem(image.data(), cmsUInt32Number(image.size()));
