@@ -16,6 +16,20 @@ namespace kt::icc {
     KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept;      \
     }
 
+// Defines codec `name` over four functions that take a form as their last
+// argument: the two variants of one layout share a codec that way.
+#define KT_ICC_DEFINE_FORM_CODEC(name, form, create, elementSize, write, parse)                      \
+    namespace name {                                                                                \
+    KtStatus Create(const void* host, std::uint32_t, void* fileOrder) noexcept {                   \
+        return create(host, fileOrder, form);                                                       \
+    }                                                                                               \
+    std::uint64_t ElementSize(const void* fileOrder) noexcept { return elementSize(fileOrder, form); } \
+    void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept { write(fileOrder, element, form); } \
+    KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {          \
+        return parse(element, size, host, form);                                                    \
+    }                                                                                               \
+    }
+
 KT_ICC_DECLARE_TAG_CODEC(raw)  // ICCRawTagType
 KT_ICC_DECLARE_TAG_CODEC(xyz)  // 'XYZ ', ICCXYZType
 KT_ICC_DECLARE_TAG_CODEC(curv)      // 'curv', ICCCurveType

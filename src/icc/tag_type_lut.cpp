@@ -10,7 +10,6 @@
 #include "icc/big_endian.h"
 #include "icc/tag_codecs.h"
 #include "icc/tag_reader.h"
-#include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "ktclr/icc_luts.h"
 #include "platform/alloc.h"
@@ -161,21 +160,7 @@ KtStatus ParseLut(const std::uint8_t* element, std::uint32_t size, void* host, c
 
 }  // namespace
 
-#define KT_ICC_LUT_CODEC(name, form)                                                                             \
-    namespace name {                                                                                             \
-    KtStatus Create(const void* host, std::uint32_t, void* fileOrder) noexcept {                                \
-        return CreateLut(host, fileOrder, form);                                                                 \
-    }                                                                                                            \
-    std::uint64_t ElementSize(const void* fileOrder) noexcept { return LutElementSize(fileOrder, form); }         \
-    void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept { WriteLut(fileOrder, element, form); } \
-    KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {                       \
-        return ParseLut(element, size, host, form);                                                              \
-    }                                                                                                            \
-    }
-
-KT_ICC_LUT_CODEC(lut16, kLut16)
-KT_ICC_LUT_CODEC(lut8, kLut8)
-
-#undef KT_ICC_LUT_CODEC
+KT_ICC_DEFINE_FORM_CODEC(lut16, kLut16, CreateLut, LutElementSize, WriteLut, ParseLut)
+KT_ICC_DEFINE_FORM_CODEC(lut8, kLut8, CreateLut, LutElementSize, WriteLut, ParseLut)
 
 }  // namespace kt::icc

@@ -16,12 +16,9 @@
 #include "icc/tag_reader.h"
 #include "icc/tag_types.h"
 #include "ktclr/icc_luts.h"
-#include "platform/alloc.h"
 
 namespace kt::icc {
 namespace {
-
-constexpr auto kModule = mem::Module::iccprofile;
 
 constexpr std::uint32_t kHeadBytes = 32;
 constexpr std::uint32_t kChannelsAt = 8;
@@ -239,21 +236,7 @@ void WriteAb(const void* fileOrder, std::uint8_t* element, const AbForm& form) n
 
 }  // namespace
 
-#define KT_ICC_LUT_AB_CODEC(name, form)                                                                         \
-    namespace name {                                                                                            \
-    KtStatus Create(const void* host, std::uint32_t, void* fileOrder) noexcept {                               \
-        return CreateAb(host, fileOrder, form);                                                                 \
-    }                                                                                                           \
-    std::uint64_t ElementSize(const void* fileOrder) noexcept { return AbElementSize(fileOrder, form); }        \
-    void WriteElement(const void* fileOrder, std::uint8_t* element) noexcept { WriteAb(fileOrder, element, form); } \
-    KtStatus Parse(const std::uint8_t* element, std::uint32_t size, void* host) noexcept {                      \
-        return ParseAb(element, size, host, form);                                                              \
-    }                                                                                                           \
-    }
-
-KT_ICC_LUT_AB_CODEC(lut_atob, kAtoB)
-KT_ICC_LUT_AB_CODEC(lut_btoa, kBtoA)
-
-#undef KT_ICC_LUT_AB_CODEC
+KT_ICC_DEFINE_FORM_CODEC(lut_atob, kAtoB, CreateAb, AbElementSize, WriteAb, ParseAb)
+KT_ICC_DEFINE_FORM_CODEC(lut_btoa, kBtoA, CreateAb, AbElementSize, WriteAb, ParseAb)
 
 }  // namespace kt::icc

@@ -17,36 +17,25 @@ TEST(Identify, ByFirstBytes) {
         std::string head;
         int32_t format;
     } cases[] = {
-        {"\xFF\xD8\xFF\xE0", kFormatJpeg},
-        {"\xFF\xD8\xFF\xE1", kFormatJpeg},
-        {std::string("II*\0\x08\0\0\0", 8), kFormatTiff},
-        {std::string("MM\0*\0\0\0\x08", 8), kFormatTiff},
-        {std::string("II+\0\x08\0\0\0", 8), kFormatBigTiff},
-        {std::string("MM\0+\0\x08\0\0", 8), kFormatBigTiff},
+        {"\xFF\xD8\xFF\xE0", kFormatJpeg}, {"\xFF\xD8\xFF\xE1", kFormatJpeg},
+        {std::string("II*\0\x08\0\0\0", 8), kFormatTiff}, {std::string("MM\0*\0\0\0\x08", 8), kFormatTiff},
+        {std::string("II+\0\x08\0\0\0", 8), kFormatBigTiff}, {std::string("MM\0+\0\x08\0\0", 8), kFormatBigTiff},
         {std::string("MM\0+\0\x04\0\0", 8), kFormatUnknown},  // offsets of 4 bytes are no BigTIFF
-        {"%!PS-Adobe-3.0\n%%Pages: 1\n", kFormatPostScript},
-        {"%!PS-Adobe-3.0 EPSF-3.0\n", kFormatEps},
+        {"%!PS-Adobe-3.0\n%%Pages: 1\n", kFormatPostScript}, {"%!PS-Adobe-3.0 EPSF-3.0\n", kFormatEps},
         {"%!PS-Adobe-2.0\r EPSF-3.0\n", kFormatPostScript},  // EPSF only counts on the first line
-        {"%!\n", kFormatPostScript},
-        {"\xC5\xD0\xD3\xC6\x1e\0\0\0", kFormatEpsBinary},
-        {"\x89PNG\r\n\x1a\n", kFormatPng},
-        {"\x89PNG\r\n\x1a", kFormatUnknown},
-        {std::string("8BPS\0\x01", 6), kFormatPhotoshop},
-        {std::string("8BPS\0\x02", 6), kFormatPhotoshop},
-        {std::string("8BPS\0\x03", 6), kFormatUnknown},
-        {std::string("RIFF\x10\0\0\0WEBPVP8 ", 16), kFormatWebpLossy},
+        {"%!\n", kFormatPostScript}, {"\xC5\xD0\xD3\xC6\x1e\0\0\0", kFormatEpsBinary},
+        {"\x89PNG\r\n\x1a\n", kFormatPng}, {"\x89PNG\r\n\x1a", kFormatUnknown},
+        {std::string("8BPS\0\x01", 6), kFormatPhotoshop}, {std::string("8BPS\0\x02", 6), kFormatPhotoshop},
+        {std::string("8BPS\0\x03", 6), kFormatUnknown}, {std::string("RIFF\x10\0\0\0WEBPVP8 ", 16), kFormatWebpLossy},
         {std::string("RIFF\x10\0\0\0WEBPVP8X", 16), kFormatWebpLossy},
         {std::string("RIFF\x10\0\0\0WEBPVP8L", 16), kFormatWebpLossless},
-        {std::string("RIFF\x10\0\0\0WAVEfmt ", 16), kFormatUnknown},
-        {"GIF87a", kFormatGif},
-        {"GIF89a", kFormatGif},
-        {"GIF90a", kFormatUnknown},
+        {std::string("RIFF\x10\0\0\0WAVEfmt ", 16), kFormatUnknown}, {"GIF87a", kFormatGif},
+        {"GIF89a", kFormatGif}, {"GIF90a", kFormatUnknown},
         {std::string("\xE0\0\x08\0\0\0\x01", 7), kFormatMarker56},
         {std::string("\xE0\0\x04\0\0\0\x02", 7), kFormatMarker56},
         {std::string("\xE0\0\x03\0\0\0\x01", 7), kFormatUnknown},
         {std::string("\xE0\0\x08\0\0\0\x03", 7), kFormatUnknown},
-        {"BM", kFormatUnknown},
-        {"", kFormatUnknown},
+        {"BM", kFormatUnknown}, {"", kFormatUnknown},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.head);

@@ -13,10 +13,12 @@
 
 #include "icc/tag_types.h"
 #include "ktclr/icc.h"
+#include "support/support.h"
 
 namespace icctest {
 
-using Bytes = std::vector<uint8_t>;
+using kt::test::Bytes;
+using kt::test::Wide;
 
 constexpr uint32_t Sig(const char (&s)[5]) {
     return (uint32_t(uint8_t(s[0])) << 24) | (uint32_t(uint8_t(s[1])) << 16) | (uint32_t(uint8_t(s[2])) << 8) |
@@ -24,10 +26,6 @@ constexpr uint32_t Sig(const char (&s)[5]) {
 }
 inline uint32_t Be32(const uint8_t* p) {
     return (uint32_t(p[0]) << 24) | (uint32_t(p[1]) << 16) | (uint32_t(p[2]) << 8) | p[3];
-}
-inline void PutBe16(uint8_t* p, uint16_t v) {
-    p[0] = uint8_t(v >> 8);
-    p[1] = uint8_t(v);
 }
 inline void PutBe32(uint8_t* p, uint32_t v) {
     for (int i = 0; i < 4; ++i) p[i] = uint8_t(v >> (24 - 8 * i));
@@ -60,7 +58,6 @@ inline Bytes Utf16Be(const std::u16string& s) {
     }
     return out;
 }
-inline std::u16string Utf16(const std::string& s) { return std::u16string(s.begin(), s.end()); }
 
 // A record that is initialized on construction and freed on destruction.
 struct Profile {
@@ -125,44 +122,21 @@ inline KtStatus ParseBare(const uint8_t* element, uint32_t size, uint32_t type) 
     return st;
 }
 
-// A curve as values that compare: kind, count or function type, array.
-struct CurveValues {
-    bool parametric;
-    uint32_t countOrType;
-    std::vector<int64_t> values;
-    bool operator==(const CurveValues&) const = default;
-};
-
-inline CurveValues ValuesOfRecord(const void* record) {
-    if (Vx_ClrIntIsParametricCurveType(record, 0)) {
-        const auto* p = static_cast<const ICCParametricCurveType*>(record);
-        const int32_t n = Vx_GetParametricCurveNumberOfParameters(p->functionType);
-        return {true, p->functionType, std::vector<int64_t>(p->parameters, p->parameters + n)};
-    }
-    const auto* c = static_cast<const ICCCurveType*>(record);
-    return {false, c->count, std::vector<int64_t>(c->entries, c->entries + c->count)};
-}
-
-inline std::vector<CurveValues> ValuesOfRecords(const void* records, uint32_t count) {
-    std::vector<CurveValues> out;
-    for (uint32_t i = 0; i < count; ++i)
-        out.push_back(ValuesOfRecord(static_cast<const uint8_t*>(records) + i * sizeof(ICCCurveType)));
-    return out;
-}
-
-// A flat host-order curve set, read back through the exported re-readers.
-inline std::vector<CurveValues> ValuesOfFlatSet(const void* flat, uint32_t count) {
-    std::vector<CurveValues> out;
-    const auto* p = static_cast<const unsigned char*>(flat);
-    for (uint32_t i = 0; i < count; ++i) {
+// The elements of a flat host-order curve set, each read back through the
+// exported re-readers and padded to 4 bytes.
+inline Bytes FlatSetElements(const void* flat, uint32_t count) {
+    Bytes out;
+    const auto* p = static_cast<const uint8_t*>(flat);
+    for (uint32_t i = 0; p && i < count; ++i, p += Vx_ClrIntGetLutCurveSize(p, 1, 0, 0)) {
         AnyRecord c;
-        const KtStatus st = Vx_ClrIntIsParametricCurveType(p, 0)
-                                ? Vx_ClrIntGetParametricCurveTypeLittleIndian(p, static_cast<ICCParametricCurveType*>(c.get()))
-                                : Vx_ClrIntGetCurveTypeLittleIndian(p, static_cast<ICCCurveType*>(c.get()));
-        EXPECT_EQ(st, STATUS_OK);
-        out.push_back(ValuesOfRecord(c.get()));
-        Vx_FreeICCTagType(c.get(), Vx_ClrIntIsParametricCurveType(p, 0) ? Sig("para") : Sig("curv"));
-        p += Vx_ClrIntGetLutCurveSize(p, 1, 0, 0);
+        const bool para = Vx_ClrIntIsParametricCurveType(p, 0);
+        EXPECT_EQ(para ? Vx_ClrIntGetParametricCurveTypeLittleIndian(p, static_cast<ICCParametricCurveType*>(c.get()))
+                       : Vx_ClrIntGetCurveTypeLittleIndian(p, static_cast<ICCCurveType*>(c.get())),
+                  STATUS_OK);
+        const Bytes element = ElementOf(c.get(), para ? Sig("para") : Sig("curv"));
+        out.insert(out.end(), element.begin(), element.end());
+        out.resize((out.size() + 3) & ~size_t{3});
+        Vx_FreeICCTagType(c.get(), para ? Sig("para") : Sig("curv"));
     }
     return out;
 }

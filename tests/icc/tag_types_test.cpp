@@ -30,10 +30,10 @@ TEST(TagTypes, EverySampleThroughOneHarness) {
         Bytes element;
         ASSERT_EQ(RoundTrip(t.record, t.type, Sig("targ"), got.get(), &element), DoneStatus(t));
         EXPECT_EQ(element, t.element);
-        if (t.check)
-            t.check(got.get());
-        else
-            EXPECT_EQ(ElementOf(got.get(), t.type), t.element) << "the parsed record encodes back";
+        const bool ab = t.type == Sig("mAB ") || t.type == Sig("mBA ");
+        EXPECT_EQ(ab ? AbElement(*static_cast<const ICCLutAtoB*>(got.get()), t.type == Sig("mAB ")) : ElementOf(got.get(), t.type),
+                  t.reencoded.empty() ? t.element : t.reencoded)
+            << "encoded back";
         Vx_FreeICCTagType(got.get(), t.type);
 
         const auto size = static_cast<uint32_t>(t.element.size());
@@ -58,8 +58,9 @@ TEST(TagTypes, EverySampleThroughOneHarness) {
     }
 }
 
-// Each call answers ERR_NO_MEMORY and leaks nothing, whichever allocation
-// fails.
+// Create and get answer ERR_NO_MEMORY and leak nothing, whichever
+// allocation fails (set adds no allocation of its own per type: the
+// allocation table in tests/alloc sweeps it).
 TEST(TagTypes, AllocationFailuresLeakNothing) {
     Samples s;
     auto check = [](int n, int status) { EXPECT_EQ(status, ERR_NO_MEMORY) << "allocation " << n; };
@@ -71,16 +72,6 @@ TEST(TagTypes, AllocationFailuresLeakNothing) {
                 const KtStatus st = Vx_CreateICCTagData(out.get(), t.record, t.type);
                 Vx_FreeICCTagType(out.get(), t.type);
                 return static_cast<int>(st);
-            },
-            check);
-        int call = 0;
-        kt::test::ForEachAllocationFailure(
-            [&] {
-                memt::FailNthAllocation(0);
-                Profile p;
-                EXPECT_EQ(Vx_InitICCHeader(p.get()), STATUS_OK);
-                memt::FailNthAllocation(++call);
-                return static_cast<int>(Vx_SetICCTagData(p.get(), t.record, Sig("targ"), t.type));
             },
             check);
         Profile written;
