@@ -234,7 +234,7 @@ bool GridMean(const std::uint8_t* in, std::uint8_t* out, int order, int) {
 
 // What the exhaustive test feeds a case.
 enum class Inputs {
-    triples,  // every 24-bit value once, as one byte stream, then grey rows
+    triples,  // every 24-bit value once, as one byte stream, then grey and YIQ rows
     codes,    // every 16-bit value once
     yuyv,     // every (Y0, U, V), Y1 the complement of Y0
     uyvy,     // the same in the UYVY layout

@@ -35,11 +35,18 @@ Bytes Stream(Inputs inputs) {
     }
     // Then 16 rows of grey pixels, one in 97 with another green: nearly every
     // step of the affine kernels lies near a whole number and is redone, many
-    // more in a row than their redo store holds.
+    // more in a row than their redo store holds (YUV and YCbCr).
     for (std::uint32_t i = 0; inputs == Inputs::triples && i < 16 * 4096; ++i) {
         const auto grey = static_cast<std::uint8_t>(i * 2654435761u >> 24);
         v.insert(v.end(), {grey, static_cast<std::uint8_t>(i % 97 ? grey : grey ^ 0x5A), grey});
     }
+    // Then 8 rows of pixels whose YIQ luma, (299 R + 587 G + 114 B) / 263000
+    // x 255 + 0.5, lies 1/52600 below a whole number, some in each RGB order:
+    // every YIQ step is redone, and the fixed-point floor alone is one too high.
+    static constexpr std::uint8_t kYiqNear[5][3] = {
+        {160, 187, 160}, {0, 29, 9}, {9, 29, 0}, {254, 233, 138}, {138, 233, 254}};
+    for (std::uint32_t i = 0; inputs == Inputs::triples && i < 8 * 4096; ++i)
+        v.insert(v.end(), kYiqNear[i % 5], kYiqNear[i % 5] + 3);
     return v;
 }
 
