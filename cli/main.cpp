@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iterator>
 #include <set>
 
 #include <ktclr.h>
@@ -41,9 +42,12 @@ void CheckConvert(ConvertOptions& o, const std::string& to, const std::string& f
         o.method = m;
     }
     if (!intent.empty()) {
-        for (int i = 0; i < 4; ++i)
+        std::string names;
+        for (int i = 0; i < static_cast<int>(std::size(kIntentNames)); ++i) {
             if (intent == kIntentNames[i]) o.intent = i;
-        if (o.intent < 0) throw Usage("--intent: one of perceptual, relative, saturation, absolute");
+            names += (i ? ", " : "") + std::string(kIntentNames[i]);
+        }
+        if (o.intent < 0) throw Usage("--intent: one of " + names);
     }
     if (!size.empty() && sscanf(size.c_str(), "%dx%d", &o.rawWidth, &o.rawHeight) != 2)
         throw Usage("--size: WIDTHxHEIGHT, as 640x480");
